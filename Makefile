@@ -1,0 +1,35 @@
+# Front door: `make run` and `make test` work on a new Debian 12 machine.
+PRESET ?= default
+BUILD  := build/$(PRESET)
+
+.PHONY: run test build configure sanitize bench clean
+
+run: build
+	cd "$(CURDIR)" && ./$(BUILD)/merida
+
+test: build
+	ctest --preset $(PRESET)
+
+build: configure
+	cmake --build --preset $(PRESET)
+
+configure:
+	scripts/setup
+	@test -f $(BUILD)/build.ninja || cmake --preset $(PRESET)
+
+# Engine and tool-logic tests under AddressSanitizer and UBSan.
+sanitize:
+	scripts/setup
+	@test -f build/sanitize/build.ninja || cmake --preset sanitize
+	cmake --build --preset sanitize
+	ctest --preset sanitize
+
+bench:
+	scripts/setup libmuparser-dev primesieve
+	@test -f build/bench/build.ninja || cmake --preset bench
+	cmake --build --preset bench
+	./build/bench/bench/engine_bench
+	bench/primes_vs_primesieve.sh build/bench/merida-cli
+
+clean:
+	rm -rf build

@@ -1,0 +1,194 @@
+// The formula engine: compiler, evaluator, integrals and sums, user functions.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/host.h"
+
+namespace merida {
+
+constexpr int kMaxTokens = 100;     // tokens of one formula, cells of one program, stack depth
+constexpr int kMaxWorkSlot = 50;    // the highest work slot: at most 49 user functions
+constexpr int kSlotCount = 52;      // slots 0..51: sums compile one above a full work slot
+constexpr int kMaxIntegrals = 10;   // integ and sgm entries of one formula
+constexpr int kMaxParameters = 10;
+
+// Token kinds; a registered user function with k parameters has kind k + 4.
+enum TokenKind : int16_t {
+  kParenKind = 0,
+  kUnaryKind = 1,
+  kBinaryKind = 2,
+  kOperandKind = 3,
+  kCommaKind = 4,
+};
+
+struct TokenList {
+  std::vector<std::string> Text{""};  // tokens occupy 1..Count
+  std::vector<int16_t> Kind{0};
+  std::vector<int16_t> Precedence{0};
+  int16_t Count = 0;
+
+  void clear();
+  void push(std::string text, int16_t kind, int16_t precedence);
+  // The token texts joined in order: the body as it can be compiled again.
+  std::string joined() const;
+};
+
+struct FunctionHeader {
+  std::string Name;
+  int16_t ParamCount = 0;
+  std::vector<std::string> Param{""};  // parameters are Param[1..ParamCount]
+};
+
+struct IntegralEntry {
+  std::string Integrand, LowerText, UpperText, FourthText;
+  int16_t State = -1;  // -1 to be computed, 1 computed
+  double Value = 0;
+};
+
+struct ProgramCell {
+  std::string Value;  // token text; an operand's text becomes a number's text when bound
+  int16_t Kind = 0;
+  int16_t Precedence = 0;
+  int16_t Link = 0;
+};
+
+// The compiled postfix program, cells 1..100. Every change gets a new identity so that
+// restoring an unchanged copy and evaluating an unchanged program cost nothing.
+class Program {
+ public:
+  const ProgramCell& cell(int i) const { return cells_[i]; }
+  uint64_t identity() const { return identity_; }
+
+ private:
+  friend class Engine;
+  std::array<ProgramCell, kMaxTokens + 1> cells_;
+  uint64_t identity_ = 0;
+};
+
+// A tool window's own copy of a compiled program and its length.
+struct SavedProgram {
+  Program program;
+  int16_t n = 0;
+};
+
+struct CompiledCode;  // the evaluator's flat form of a program
+
+class Engine {
+ public:
+  explicit Engine(EngineHost& host);
+  ~Engine();
+  Engine(const Engine&) = delete;
+  Engine& operator=(const Engine&) = delete;
+
+  EngineHost& host() { return *host_; }
+  void setHost(EngineHost& host) { host_ = &host; }
+
+  // ---- State (one copy for the whole program) ----
+  std::string FormulaText, HeaderText, BodyText;
+  int16_t CurrentSlot = 1;
+  int16_t ErrorFlag = 0;
+  int16_t BindToX = -1;
+  double XValue = 0;
+  int16_t IntegralBinding = -1;
+  int16_t StopRequested = 0;
+  int16_t UnboundPolicy = -1;
+  std::array<TokenList, kSlotCount> TokenTable;
+  std::array<FunctionHeader, kSlotCount> FunctionTable;
+  std::array<IntegralEntry, kMaxIntegrals + 1> IntegralTable;
+  int16_t IntegralCount = 0;
+  merida::Program Program;
+  // Set by an arithmetic fault (overflow); cleared by BeginRun.
+  bool FaultFlag = false;
+  // Set when the user cancelled an input box; cleared by BeginRun.
+  bool CancelFlag = false;
+
+  // ---- Compilation ----
+  void ResetEngine();
+  // Step 1 of every caller: flags cleared, BindToX set, integral states reset, FormulaText set.
+  void BeginRun(int16_t bindToX, std::string_view formulaBoxText);
+  void SplitFormula();
+  int16_t ExpandIntegrals();
+  int16_t ExpandSigmas();
+  void ParseHeader();
+  void TokenizeBody();
+  int16_t CompilePostfix(int slot);
+  void CheckParameters();
+  void CollectVariables();
+  // True after any error, fault or cancel of the current run.
+  bool failed() const { return ErrorFlag == 1 || FaultFlag || CancelFlag; }
+
+  // ---- Integrals and sums ----
+  int16_t ComputeIntegrals(int16_t n);
+  int16_t ComputeSigmas(int16_t n);
+
+  // ---- Evaluation ----
+  double EvaluateProgram(int16_t n);
+  double EvaluateConstantText(std::string_view text);
+  void ShowError(int code);
+  // ShowError and ErrorFlag = 1: the usual way a step reports an error.
+  void Fail(int code);
+  const std::string& currentMessage() const { return currentMessage_; }
+
+  SavedProgram SaveProgram(int16_t n) const;
+  void RestoreProgram(const SavedProgram& saved);
+  // Replaces every cell whose text is `name` by a number cell holding `value` (15 digits).
+  void BindVariableCells(std::string_view name, double value);
+  // True when the program holds sum cells that must be folded at every point.
+  bool programHasSums(int16_t n) const;
+  // One point of a tool window: restore, fold sums at x, evaluate at x. failed() tells errors.
+  double EvaluateAt(const SavedProgram& saved, double x);
+
+  // ---- User functions ----
+  int16_t userFunctionCount() const { return static_cast<int16_t>(CurrentSlot - 1); }
+  // Rec of the main window; true when the function was registered.
+  bool RegisterFormula(std::string_view formulaBoxText);
+  // Line k (1-based) of the Function List window.
+  std::string FunctionListLine(int k) const;
+  // Deletes the k-th function (1-based); false when there is none.
+  bool DeleteFunction(int k);
+  // The store file's text: one line per function, "@" for every comma, CR LF endings.
+  std::string StoreText() const;
+  // Registers every line of a store text; lines that fail are reported and skipped.
+  void LoadStoreText(std::string_view text);
+
+ private:
+  friend struct Evaluator;
+  bool CheckName(std::string_view word);
+  void CheckNameUnused(std::string_view name);
+  int16_t ClassifyWord(std::string_view word) const;
+  bool CheckArgumentCount(std::string_view text, int n);
+  void CheckSyntax();
+  int16_t ExpandCalls(std::string_view name);
+  int16_t ComputeEntries(int16_t n, bool sums);
+  bool ComputeIntegralEntry(IntegralEntry& entry);
+  bool ComputeSumEntry(IntegralEntry& entry);
+  std::optional<double> ReadLimit(const std::string& text);
+  std::optional<double> AskValue(const std::string& name);
+  void ReinsertIntegralArguments(int slot);
+  void ReportFault(const char* description);
+  void Touch() { Program.identity_ = ++identityCounter_; }
+  void SetCell(int i, std::string text, int16_t kind, int16_t precedence);
+  double CallUserFunction(int slot, const double* args, int count);
+  void InvalidateCallCache();
+
+  EngineHost* host_;
+  std::string currentMessage_;
+  uint64_t identityCounter_ = 0;
+  int evalDepth_ = 0;
+  std::vector<std::unique_ptr<CompiledCode>> code_;  // one per evaluation depth
+  std::vector<std::unique_ptr<CompiledCode>> callCache_;  // compiled bodies by slot
+  uint64_t randomState_ = 0x9E3779B97F4A7C15ull;
+
+ public:
+  // Built-in functions need the generator; exposed for them only.
+  double NextRandom(bool reseed);
+};
+
+}  // namespace merida

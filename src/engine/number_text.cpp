@@ -1,0 +1,221 @@
+// Number texts: fixed formats independent of the process locale.
+#include "engine/number_text.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace merida {
+namespace {
+
+bool IsBlank(char c) { return c == ' ' || c == '\t'; }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+std::string Upper(std::string s) {
+  for (char& c : s) {
+    if (c == 'e') c = 'E';
+    if (c == 'i' || c == 'n' || c == 'f' || c == 'a') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return s;
+}
+
+std::string General(double v, int digits) {
+  char buf[64];
+  auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, digits);
+  return Upper(std::string(buf, r.ptr));
+}
+
+// Length of the longest numeric prefix of s (no blanks, optional sign); 0 if none.
+size_t NumericPrefix(std::string_view s) {
+  size_t i = 0, n = s.size();
+  if (i < n && (s[i] == '+' || s[i] == '-')) ++i;
+  size_t intDigits = 0, fracDigits = 0;
+  while (i < n && IsDigit(s[i])) ++i, ++intDigits;
+  if (i < n && s[i] == '.') {
+    size_t j = i + 1;
+    while (j < n && IsDigit(s[j])) ++j, ++fracDigits;
+    if (intDigits + fracDigits > 0) i = j;
+  }
+  if (intDigits + fracDigits == 0) return 0;
+  if (i < n && (s[i] == 'E' || s[i] == 'e')) {
+    size_t j = i + 1;
+    if (j < n && (s[j] == '+' || s[j] == '-')) ++j;
+    size_t expDigits = 0;
+    while (j < n && IsDigit(s[j])) ++j, ++expDigits;
+    if (expDigits > 0) i = j;
+  }
+  return i;
+}
+
+// Parses a complete numeric token (sign allowed); infinite on overflow.
+double ParseToken(std::string_view s) {
+  bool negative = false;
+  if (!s.empty() && (s[0] == '+' || s[0] == '-')) {
+    negative = s[0] == '-';
+    s.remove_prefix(1);
+  }
+  double v = 0;
+  auto r = std::from_chars(s.data(), s.data() + s.size(), v);
+  if (r.ec == std::errc::result_out_of_range) {
+    // from_chars leaves v untouched on range errors: tell overflow from underflow by the exponent.
+    size_t e = s.find_first_of("eE");
+    int exp10 = 0;
+    if (e != std::string_view::npos) std::from_chars(s.data() + e + 1 + (s[e + 1] == '+'), s.data() + s.size(), exp10);
+    size_t lead = s.find_first_not_of("0.");
+    bool tiny = exp10 < 0 || lead == std::string_view::npos;
+    v = tiny ? 0.0 : HUGE_VAL;
+  }
+  return negative ? -v : v;
+}
+
+constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                             1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+unsigned __int128 Pow10U128(int k) {
+  unsigned __int128 p = 1;
+  while (k-- > 0) p *= 10;
+  return p;
+}
+
+struct Pow10Table {
+  unsigned __int128 v[23];
+  Pow10Table() {
+    for (int i = 0; i < 23; ++i) v[i] = Pow10U128(i);
+  }
+};
+const Pow10Table kPow10U;
+
+double Round15Slow(double v) {
+  char buf[64];
+  auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
+  double out = 0;
+  std::from_chars(buf, r.ptr, out);
+  return out;
+}
+
+}  // namespace
+
+std::string PlainText(double v) {
+  if (v == 0) return "0";
+  return General(v, 15);
+}
+
+static std::string ToListForm(std::string s) {
+  if (s.rfind("0.", 0) == 0) s.erase(0, 1);
+  else if (s.rfind("-0.", 0) == 0) s.erase(1, 1);
+  if (s.empty() || s[0] != '-') s.insert(0, 1, ' ');
+  return s;
+}
+
+std::string ListText(double v) { return ToListForm(PlainText(v)); }
+
+std::string ListText(float v) {
+  if (v == 0) return " 0";
+  return ToListForm(General(static_cast<double>(v), 7));
+}
+
+std::string Fixed5Text(double v) {
+  char buf[400];
+  auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::fixed, 5);
+  std::string s(buf, r.ptr);
+  if (s.find('.') != std::string::npos) {
+    while (!s.empty() && s.back() == '0') s.pop_back();
+  }
+  bool negative = !s.empty() && s[0] == '-';
+  std::string digits = negative ? s.substr(1) : s;
+  if (digits.rfind("0.", 0) == 0) digits.erase(0, 1);
+  if (digits == ".") return ".";  // a value that rounds to zero carries no sign
+  return negative ? "-" + digits : digits;
+}
+
+bool IsNumeric(std::string_view text) {
+  std::string_view t = Trim(text);
+  if (t.empty()) return false;
+  size_t len = NumericPrefix(t);
+  return len == t.size();
+}
+
+std::optional<double> ReadNumber(std::string_view text) {
+  std::string_view t = Trim(text);
+  if (t.empty() || NumericPrefix(t) != t.size()) return std::nullopt;
+  return ParseToken(t);
+}
+
+double ReadLenient(std::string_view text) {
+  std::string_view t = TrimLeft(text);
+  size_t len = NumericPrefix(t);
+  if (len == 0) return 0;
+  double v = ParseToken(t.substr(0, len));
+  return std::isfinite(v) ? v : 0;
+}
+
+double Round15(double v) {
+  if (v == 0) return 0;
+  if (!std::isfinite(v)) return v;
+  double a = std::fabs(v);
+  if (!(a >= 1e-7 && a < 1e35)) return Round15Slow(v);
+
+  // e = the decimal exponent of a; off by one only within an ulp of a power of ten,
+  // where both candidate roundings give that power.
+  int e = static_cast<int>(std::floor(std::log10(a)));
+  int q = 14 - e;  // decimal places that make a a 15-digit integer
+
+  int exp2 = 0;
+  double fr = std::frexp(a, &exp2);
+  auto m = static_cast<uint64_t>(std::ldexp(fr, 53));
+  int k = exp2 - 53;  // a = m * 2^k exactly
+
+  uint64_t digits = 0;
+  if (q >= 0) {
+    if (q > 22) return Round15Slow(v);
+    unsigned __int128 p = static_cast<unsigned __int128>(m) * kPow10U.v[q];
+    int shift = -k;
+    if (shift <= 0 || shift >= 127) return Round15Slow(v);
+    unsigned __int128 n = p >> shift;
+    unsigned __int128 rem = p - (n << shift);
+    unsigned __int128 half = static_cast<unsigned __int128>(1) << (shift - 1);
+    if (rem > half || (rem == half && (n & 1))) ++n;
+    digits = static_cast<uint64_t>(n);
+    double r = static_cast<double>(digits) / kPow10[q];
+    return v < 0 ? -r : r;
+  }
+  int down = -q;
+  if (down > 22) return Round15Slow(v);
+  unsigned __int128 num = m, den = kPow10U.v[down];
+  if (k >= 0) num <<= k;
+  else den <<= -k;
+  unsigned __int128 n = num / den;
+  unsigned __int128 rem = num - n * den;
+  if (2 * rem > den || (2 * rem == den && (n & 1))) ++n;
+  digits = static_cast<uint64_t>(n);
+  double r = static_cast<double>(digits) * kPow10[down];
+  return v < 0 ? -r : r;
+}
+
+std::optional<int16_t> ToInt16(double v) {
+  if (!std::isfinite(v)) return std::nullopt;
+  double r = std::nearbyint(v);
+  if (r < -32768.0 || r > 32767.0) return std::nullopt;
+  return static_cast<int16_t>(r);
+}
+
+std::optional<int32_t> ToInt32(double v) {
+  if (!std::isfinite(v)) return std::nullopt;
+  double r = std::nearbyint(v);
+  if (r < -2147483648.0 || r > 2147483647.0) return std::nullopt;
+  return static_cast<int32_t>(r);
+}
+
+std::string_view TrimLeft(std::string_view text) {
+  size_t i = 0;
+  while (i < text.size() && IsBlank(text[i])) ++i;
+  return text.substr(i);
+}
+
+std::string_view Trim(std::string_view text) {
+  text = TrimLeft(text);
+  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+}  // namespace merida

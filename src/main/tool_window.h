@@ -1,0 +1,31 @@
+// The base of every window: captions in the display language, printing, stopping a run.
+#pragma once
+
+#include <QWidget>
+
+#include "engine/engine.h"
+#include "main/app_state.h"
+
+namespace merida {
+
+class ToolWindow : public QWidget {
+  Q_OBJECT
+
+ public:
+  ToolWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
+
+  // Sets every caption for the current display language (tr() with the installed translator).
+  virtual void retranslate() = 0;
+
+ protected:
+  bool japanese() const { return state_.japanese(); }
+  // Prints the window as shown: the default printer, or a PDF the user names when none is set up.
+  void printWindow();
+  // Closing stops a running computation.
+  void closeEvent(QCloseEvent* event) override;
+
+  Engine& engine_;
+  AppState& state_;
+};
+
+}  // namespace merida

@@ -1,0 +1,27 @@
+// Start-up runs in a fixed order: language, captions, engine, user functions.
+#include "app/application_gui.h"
+
+#include "app/tools_gui.h"
+#include "main/settings.h"
+
+namespace merida {
+
+Application::Application(const std::filesystem::path& dir) {
+  state_.DisplayLanguage = kEnglish;
+  state_.DisplayLanguage = ReadDisplayLanguage(dir, state_.DisplayLanguage);
+  translations_.apply();
+  // The window exists before the user functions load so that their errors have an owner.
+  main_ = std::make_unique<MainWindow>(engine_, state_);
+  host_.setWindow(main_.get());
+  engine_.ResetEngine();
+  LoadUserFunctions(engine_, dir);
+  RegisterTools(*main_, engine_, state_);
+  RegisterHelp(*main_, engine_, state_, translations_);
+}
+
+Application::~Application() {
+  // Windows go first: they refer to the engine and the state.
+  main_.reset();
+}
+
+}  // namespace merida

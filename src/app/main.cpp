@@ -1,0 +1,17 @@
+// The desktop calculator: one application object, one event loop.
+#include <QApplication>
+#include <filesystem>
+
+#include "app/application_gui.h"
+
+int main(int argc, char** argv) {
+  QApplication qt(argc, argv);
+  QApplication::setApplicationName(QStringLiteral("MERIDA"));
+  QApplication::setApplicationVersion(QStringLiteral("7.6"));
+
+  std::error_code error;
+  std::filesystem::path dir = std::filesystem::current_path(error);
+  merida::Application application(error ? std::filesystem::path(".") : dir);
+  application.mainWindow().show();
+  return QApplication::exec();
+}

@@ -1,0 +1,48 @@
+// One line per button. A window is loaded afresh when opened and only raised while it is open.
+#include "app/tools_gui.h"
+
+#include <QPointer>
+#include <memory>
+
+#include "help/help_window.h"
+#include "main/function_list_window.h"
+#include "main/pad_window.h"
+
+namespace merida {
+namespace {
+
+// An opener for window type W built by `make`, which returns a new W parented to the main window.
+template <class W, class Make>
+std::function<void()> Opener(Make make) {
+  auto window = std::make_shared<QPointer<W>>();
+  return [window, make] {
+    if (*window && (*window)->isVisible()) {
+      (*window)->raise();
+      (*window)->activateWindow();
+      return;
+    }
+    delete window->data();
+    *window = make();
+    (*window)->show();
+  };
+}
+
+}  // namespace
+
+void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
+  MainWindow* m = &main;
+  Engine* e = &engine;
+  AppState* s = &state;
+  main.setToolOpener(3, Opener<FunctionListWindow>([=] { return new FunctionListWindow(*e, *s, *m, m); }));
+  main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
+}
+
+void RegisterHelp(MainWindow& main, Engine& engine, AppState& state, Translations& translations) {
+  MainWindow* m = &main;
+  Engine* e = &engine;
+  AppState* s = &state;
+  Translations* t = &translations;
+  main.setToolOpener(8, Opener<HelpWindow>([=] { return new HelpWindow(*e, *s, *t, *m, m); }));
+}
+
+}  // namespace merida

@@ -1,0 +1,146 @@
+// The lists are fixed texts chosen by DisplayLanguage; the captions come through tr().
+#include "help/help_window.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFontDatabase>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <filesystem>
+#include <span>
+
+#include "help/help_lists.h"
+#include "main/main_window.h"
+#include "main/settings.h"
+#include "main/translations_gui.h"
+
+namespace merida {
+namespace {
+
+// The lines line up in columns only in a fixed-pitch font whose half-width katakana are half
+// as wide as kanji.
+QFont ListFont() {
+  QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  font.setFamilies({QStringLiteral("Noto Sans Mono CJK JP"), font.family()});
+  return font;
+}
+
+void Fill(QListWidget* list, std::span<const std::string_view> lines) {
+  list->clear();
+  for (std::string_view line : lines) {
+    list->addItem(QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size())));
+  }
+}
+
+}  // namespace
+
+HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translations, MainWindow& main,
+                       QWidget* parent)
+    : ToolWindow(engine, state, parent), translations_(translations), main_(main) {
+  setObjectName(QStringLiteral("HelpWindow"));
+  QFont font = ListFont();
+
+  Frame1 = new QGroupBox(this);
+  Frame1->setObjectName(QStringLiteral("Frame1"));
+  List1 = new QListWidget(Frame1);
+  List1->setObjectName(QStringLiteral("List1"));
+  List1->setFont(font);
+  (new QVBoxLayout(Frame1))->addWidget(List1);
+
+  Frame2 = new QGroupBox(this);
+  Frame2->setObjectName(QStringLiteral("Frame2"));
+  List2 = new QListWidget(Frame2);
+  List2->setObjectName(QStringLiteral("List2"));
+  List2->setFont(font);
+  (new QVBoxLayout(Frame2))->addWidget(List2);
+
+  auto makeButton = [this](const char* name) {
+    auto* button = new QPushButton(this);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setAutoDefault(false);
+    return button;
+  };
+  Command3 = makeButton("Command3");
+  Command4 = makeButton("Command4");
+  Command5 = makeButton("Command5");
+  Command2 = makeButton("Command2");
+
+  // Room for the longest line without a horizontal scroll bar.
+  QFontMetrics metrics(font);
+  int listWidth = 0;
+  for (int16_t language : {kEnglish, kJapanese}) {
+    for (std::string_view line : FunctionLines(language)) {
+      QString text = QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
+      listWidth = std::max(listWidth, metrics.horizontalAdvance(text));
+    }
+  }
+  List2->setMinimumWidth(listWidth + 2 * List2->frameWidth() + 24);
+  List2->setMinimumHeight(metrics.lineSpacing() * 14);
+  List1->setMinimumWidth(metrics.horizontalAdvance(QStringLiteral(" *  Multiplication ")) + 24);
+  List1->setMinimumHeight(metrics.lineSpacing() * 6 + 2 * List1->frameWidth() + 8);
+
+  auto* buttons = new QVBoxLayout;
+  buttons->addWidget(Command3);
+  buttons->addWidget(Command4);
+  buttons->addWidget(Command5);
+  buttons->addStretch();
+  buttons->addWidget(Command2);
+  auto* left = new QVBoxLayout;
+  left->addWidget(Frame1);
+  left->addLayout(buttons, 1);
+  auto* layout = new QHBoxLayout(this);
+  layout->addLayout(left);
+  layout->addWidget(Frame2, 1);
+
+  connect(Command3, &QPushButton::clicked, this, &HelpWindow::showVersion);
+  connect(Command4, &QPushButton::clicked, this, &HelpWindow::switchLanguage);
+  connect(Command5, &QPushButton::clicked, this, &HelpWindow::openManual);
+  connect(Command2, &QPushButton::clicked, this, &QWidget::close);
+
+  retranslate();
+}
+
+void HelpWindow::retranslate() {
+  setWindowTitle(tr("Help"));
+  Frame1->setTitle(tr("Calculate"));
+  Frame2->setTitle(tr("Function"));
+  Command3->setText(tr("Version"));
+  Command4->setText(tr("Japan"));
+  Command5->setText(tr("Manual"));
+  Command2->setText(tr("Close"));
+  Fill(List1, OperatorLines(state_.DisplayLanguage));
+  Fill(List2, FunctionLines(state_.DisplayLanguage));
+}
+
+void HelpWindow::showVersion() {
+  QMessageBox::information(this, tr("Version Number"), tr("Merida Calculator  Ver.7.6"), QMessageBox::Ok);
+}
+
+void HelpWindow::switchLanguage() {
+  auto reply = QMessageBox::question(this, tr("English To Japanese"), tr("Japanese Transfer?"),
+                                     QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+  if (reply == QMessageBox::Yes) {
+    state_.DisplayLanguage = japanese() ? kEnglish : kJapanese;
+    translations_.apply();
+    main_.retranslate();
+    retranslate();
+  }
+  // Written on No as well; a file that cannot be written is no reason to bother the user.
+  std::error_code error;
+  std::filesystem::path dir = std::filesystem::current_path(error);
+  if (!error) WriteDisplayLanguage(dir, state_.DisplayLanguage);
+}
+
+void HelpWindow::openManual() {
+  QString path = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("Merida.htm"));
+  QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+}
+
+}  // namespace merida

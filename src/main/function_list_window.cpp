@@ -1,0 +1,99 @@
+// The list mirrors the engine's slots: line i (from 0) is user function i + 1.
+#include "main/function_list_window.h"
+
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <filesystem>
+
+#include "main/main_window.h"
+#include "main/settings.h"
+
+namespace merida {
+
+FunctionListWindow::FunctionListWindow(Engine& engine, AppState& state, MainWindow& main, QWidget* parent)
+    : ToolWindow(engine, state, parent), main_(main) {
+  setObjectName(QStringLiteral("FunctionListWindow"));
+  List1 = new QListWidget(this);
+  List1->setObjectName(QStringLiteral("List1"));
+  List1->setMinimumSize(360, 200);
+
+  auto makeButton = [this](const char* name) {
+    auto* button = new QPushButton(this);
+    button->setObjectName(QString::fromLatin1(name));
+    button->setAutoDefault(false);
+    return button;
+  };
+  Command3 = makeButton("Command3");
+  Command2 = makeButton("Command2");
+  Command4 = makeButton("Command4");
+  Command1 = makeButton("Command1");
+
+  auto* buttons = new QHBoxLayout;
+  buttons->addWidget(Command3);
+  buttons->addWidget(Command2);
+  buttons->addWidget(Command4);
+  buttons->addStretch();
+  buttons->addWidget(Command1);
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(List1, 1);
+  layout->addLayout(buttons);
+
+  connect(Command3, &QPushButton::clicked, this, &FunctionListWindow::select);
+  connect(List1, &QListWidget::itemDoubleClicked, this, &FunctionListWindow::select);
+  connect(Command2, &QPushButton::clicked, this, &FunctionListWindow::remove);
+  connect(Command4, &QPushButton::clicked, this, &FunctionListWindow::save);
+  connect(Command1, &QPushButton::clicked, this, &QWidget::close);
+
+  retranslate();
+  fill();
+}
+
+void FunctionListWindow::retranslate() {
+  setWindowTitle(tr("Function List"));
+  Command4->setText(tr("Rec"));
+  Command3->setText(tr("Selct"));
+  Command2->setText(tr("Del"));
+  Command1->setText(tr("Close"));
+}
+
+void FunctionListWindow::setParameterTarget(std::function<bool(const QString&)> target) {
+  parameterTarget_ = std::move(target);
+}
+
+void FunctionListWindow::fill() {
+  List1->clear();
+  for (int k = 1; k <= engine_.userFunctionCount(); ++k) {
+    List1->addItem(QString::fromStdString(engine_.FunctionListLine(k)));
+  }
+}
+
+void FunctionListWindow::select() {
+  QListWidgetItem* item = List1->currentItem();
+  if (!item || !item->isSelected()) return;
+  QString line = item->text();
+  bool taken = state_.GraphMode == 3 && parameterTarget_ && parameterTarget_(line);
+  if (!taken) main_.setFormulaText(line);
+  close();
+}
+
+void FunctionListWindow::remove() {
+  int row = List1->currentRow();
+  if (row < 0 || !List1->item(row)->isSelected()) return;
+  if (!engine_.DeleteFunction(row + 1)) return;
+  delete List1->takeItem(row);
+  // The next Del needs a new choice, not the neighbour that moved up.
+  List1->setCurrentRow(-1);
+  List1->clearSelection();
+}
+
+void FunctionListWindow::save() {
+  std::error_code error;
+  std::filesystem::path dir = std::filesystem::current_path(error);
+  if (!error && SaveUserFunctions(engine_, dir)) return;
+  QMessageBox::warning(this, windowTitle(), tr("MERIDA.DAT could not be written."));
+}
+
+}  // namespace merida

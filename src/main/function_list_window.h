@@ -1,0 +1,43 @@
+// The Function List window: the registered user functions, select, delete and save.
+#pragma once
+
+#include <functional>
+
+#include "main/tool_window.h"
+
+class QListWidget;
+class QPushButton;
+
+namespace merida {
+
+class MainWindow;
+
+class FunctionListWindow : public ToolWindow {
+  Q_OBJECT
+
+ public:
+  FunctionListWindow(Engine& engine, AppState& state, MainWindow& main, QWidget* parent = nullptr);
+
+  void retranslate() override;
+
+  // Where Selct puts the line while the graph is parametric (GraphMode 3): the parameter
+  // window's active box. The target returns false when it cannot take the line, which then
+  // goes to the main window's formula box.
+  void setParameterTarget(std::function<bool(const QString&)> target);
+
+ private:
+  void fill();
+  void select();
+  void remove();
+  void save();
+
+  MainWindow& main_;
+  std::function<bool(const QString&)> parameterTarget_;
+  QListWidget* List1;
+  QPushButton* Command4;
+  QPushButton* Command3;
+  QPushButton* Command2;
+  QPushButton* Command1;
+};
+
+}  // namespace merida

@@ -1,0 +1,44 @@
+// The input box's title is Japanese in both display languages, like the error messages.
+#include "main/gui_host_gui.h"
+
+#include <QCoreApplication>
+#include <QInputDialog>
+#include <QMessageBox>
+
+namespace merida {
+
+GuiHost::GuiHost() = default;
+
+GuiHost::~GuiHost() {
+  // A window without a parent is ours; one parented to the main window went with it.
+  if (errors_ && !errors_->parent()) delete errors_.data();
+}
+
+void GuiHost::setWindow(QWidget* window) { window_ = window; }
+
+std::optional<std::string> GuiHost::askValue(const std::string& prompt) {
+  if (answer_) return answer_(prompt);
+  bool ok = false;
+  QString reply = QInputDialog::getText(window_, QStringLiteral("データ入力"), QString::fromStdString(prompt),
+                                        QLineEdit::Normal, QStringLiteral("0"), &ok);
+  if (!ok) return std::nullopt;
+  return reply.toStdString();
+}
+
+void GuiHost::showError(int /*code*/, const std::string& message) {
+  if (!errors_) errors_ = new ErrorWindow(window_);
+  errors_->showMessage(QString::fromStdString(message));
+}
+
+void GuiHost::showFault(const std::string& description) {
+  if (fault_) {
+    fault_(description);
+    return;
+  }
+  QString title = window_ ? window_->windowTitle() : QCoreApplication::applicationName();
+  QMessageBox::warning(window_, title, QString::fromStdString(description));
+}
+
+void GuiHost::processEvents() { QCoreApplication::processEvents(); }
+
+}  // namespace merida

@@ -1,0 +1,170 @@
+// The main window only wires its controls; Calc and Rec belong to the engine.
+#include "main/main_window.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "main/calculator.h"
+
+namespace merida {
+namespace {
+
+// The buttons in reading order of the grid: calculator, graphs and calculus, algebra and
+// plots, data and helpers.
+constexpr std::array<std::array<int, 5>, 4> kButtonGrid = {{
+    {1, 4, 3, 5, 6},
+    {2, 7, 9, 10, 14},
+    {13, 16, 20, 11, 15},
+    {18, 17, 19, 12, 8},
+}};
+
+// The buttons that act on the main window itself and are always enabled.
+bool IsOwnAction(int n) { return n == 1 || n == 4 || n == 5 || n == 6; }
+
+// Runs an action once; a second press while it waits in an input box is ignored.
+class RunGuard {
+ public:
+  explicit RunGuard(bool& flag) : flag_(flag), entered_(!flag) { flag_ = true; }
+  ~RunGuard() {
+    if (entered_) flag_ = false;
+  }
+  RunGuard(const RunGuard&) = delete;
+  RunGuard& operator=(const RunGuard&) = delete;
+  bool entered() const { return entered_; }
+
+ private:
+  bool& flag_;
+  bool entered_;
+};
+
+}  // namespace
+
+MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent)
+    : ToolWindow(engine, state, parent) {
+  setObjectName(QStringLiteral("MainWindow"));
+
+  Frame1 = new QGroupBox(this);
+  Frame1->setObjectName(QStringLiteral("Frame1"));
+  Text1 = new QLineEdit(Frame1);
+  Text1->setObjectName(QStringLiteral("Text1"));
+  Text1->setMinimumWidth(360);
+  (new QVBoxLayout(Frame1))->addWidget(Text1);
+
+  Frame2 = new QGroupBox(this);
+  Frame2->setObjectName(QStringLiteral("Frame2"));
+  Label1 = new QLabel(Frame2);
+  Label1->setObjectName(QStringLiteral("Label1"));
+  Label1->setFrameShape(QFrame::StyledPanel);
+  Label1->setFrameShadow(QFrame::Sunken);
+  Label1->setMinimumHeight(Text1->sizeHint().height());
+  Label1->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  (new QVBoxLayout(Frame2))->addWidget(Label1);
+
+  QPushButton** members[] = {&Command1,  &Command2,  &Command3,  &Command4,  &Command5,
+                             &Command6,  &Command7,  &Command8,  &Command9,  &Command10,
+                             &Command11, &Command12, &Command13, &Command14, &Command15,
+                             &Command16, &Command17, &Command18, &Command19, &Command20};
+  for (int n = 1; n <= 20; ++n) {
+    auto* button = new QPushButton(this);
+    button->setObjectName(QStringLiteral("Command%1").arg(n));
+    button->setAutoDefault(false);
+    button->setEnabled(IsOwnAction(n));
+    *members[n - 1] = button;
+    buttons_[n] = button;
+  }
+
+  auto* grid = new QGridLayout;
+  for (int row = 0; row < static_cast<int>(kButtonGrid.size()); ++row) {
+    for (int col = 0; col < 5; ++col) grid->addWidget(command(kButtonGrid[row][col]), row, col);
+  }
+  auto* layout = new QVBoxLayout(this);
+  layout->addWidget(Frame1);
+  layout->addWidget(Frame2);
+  layout->addLayout(grid);
+
+  connect(Text1, &QLineEdit::returnPressed, this, &MainWindow::calc);
+  connect(Command1, &QPushButton::clicked, this, &MainWindow::calc);
+  connect(Command4, &QPushButton::clicked, this, &MainWindow::rec);
+  connect(Command5, &QPushButton::clicked, this, &MainWindow::clear);
+  connect(Command6, &QPushButton::clicked, this, &QWidget::close);
+  for (int n = 1; n <= 20; ++n) {
+    if (IsOwnAction(n)) continue;
+    connect(command(n), &QPushButton::clicked, this, [this, n] {
+      if (openers_[n]) openers_[n]();
+    });
+  }
+
+  retranslate();
+  Text1->setFocus();
+}
+
+QPushButton* MainWindow::command(int n) const { return buttons_.at(n); }
+
+void MainWindow::retranslate() {
+  static const char* const captions[] = {
+      nullptr,         QT_TR_NOOP("Calc"),  QT_TR_NOOP("Graph"),  QT_TR_NOOP("List"),
+      QT_TR_NOOP("Rec"),   QT_TR_NOOP("Clear"), QT_TR_NOOP("End"),    QT_TR_NOOP("Integ"),
+      QT_TR_NOOP("Help"),  QT_TR_NOOP("Diff"),  QT_TR_NOOP("Inter"),  QT_TR_NOOP("Contr"),
+      QT_TR_NOOP("Edit"),  QT_TR_NOOP("Simult"), QT_TR_NOOP("Delay"), QT_TR_NOOP("Wave"),
+      QT_TR_NOOP("Matrix"), QT_TR_NOOP("FFT"),  QT_TR_NOOP("Load"),   QT_TR_NOOP("Stat"),
+      QT_TR_NOOP("Prime")};
+  setWindowTitle(tr("MERIDA"));
+  Frame1->setTitle(tr("Function"));
+  Frame2->setTitle(tr("Answer"));
+  for (int n = 1; n <= 20; ++n) {
+    QPushButton* button = command(n);
+    button->setText(tr(captions[n]));
+    bool unavailable = !IsOwnAction(n) && !openers_[n];
+    button->setToolTip(unavailable ? tr("This window is not available yet.") : QString());
+  }
+}
+
+void MainWindow::setToolOpener(int commandNumber, std::function<void()> open) {
+  if (commandNumber < 1 || commandNumber > 20 || IsOwnAction(commandNumber)) return;
+  openers_[commandNumber] = std::move(open);
+  QPushButton* button = command(commandNumber);
+  bool available = static_cast<bool>(openers_[commandNumber]);
+  button->setEnabled(available);
+  button->setToolTip(available ? QString() : tr("This window is not available yet."));
+}
+
+QString MainWindow::formulaText() const { return Text1->text(); }
+
+void MainWindow::setFormulaText(const QString& text) { Text1->setText(text); }
+
+QString MainWindow::answerText() const { return Label1->text(); }
+
+void MainWindow::calc() {
+  RunGuard guard(running_);
+  if (!guard.entered()) return;
+  Label1->clear();
+  auto answer = Calc(engine_, Text1->text().toStdString());
+  if (answer) Label1->setText(QString::fromStdString(*answer));
+  Text1->setFocus();
+}
+
+void MainWindow::rec() {
+  RunGuard guard(running_);
+  if (!guard.entered()) return;
+  engine_.RegisterFormula(Text1->text().toStdString());
+  Text1->setFocus();
+}
+
+void MainWindow::clear() {
+  Text1->clear();
+  Text1->setFocus();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  ToolWindow::closeEvent(event);
+  // Ends the event loop, which unloads every other window with this one.
+  QCoreApplication::exit(0);
+}
+
+}  // namespace merida

@@ -1,0 +1,169 @@
+// Calc of the main window: answers, asked variables, errors, faults and the keyboard.
+#include <QLabel>
+#include <QLineEdit>
+
+#include "gui_fixture.h"
+
+namespace merida::test {
+namespace {
+
+struct CalcCase {
+  const char* formula;
+  std::vector<std::string> replies;  // input box answers in order; "" cancels
+  const char* answer;                // "" when no answer is shown
+  std::vector<std::string> prompts;  // the variables asked for
+};
+
+class CalcFlow : public GuiTest, public ::testing::WithParamInterface<CalcCase> {};
+
+TEST_P(CalcFlow, ShowsTheAnswerAndAsksForEachVariable) {
+  const CalcCase& c = GetParam();
+  start();
+  replies_.assign(c.replies.begin(), c.replies.end());
+  EXPECT_EQ(calc(QString::fromUtf8(c.formula)).toStdString(), c.answer);
+  EXPECT_EQ(prompts_, c.prompts);
+  EXPECT_TRUE(replies_.empty()) << "input boxes not asked";
+  EXPECT_EQ(errorText(), QString());
+  EXPECT_TRUE(faults_.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    MainWindow, CalcFlow,
+    ::testing::Values(CalcCase{"1+2", {}, "3", {}}, CalcCase{"1/3", {}, "0.333333333333333", {}},
+                      CalcCase{"2^100", {}, "1.26765060022823E+30", {}}, CalcCase{"-5", {}, "-5", {}},
+                      CalcCase{"   2*3", {}, "6", {}}, CalcCase{"x*2", {"4"}, "8", {"x"}},
+                      CalcCase{"f(x)=x+1", {"2"}, "3", {"x"}}, CalcCase{"x*4", {"PI/4"}, "3.14159265358979", {"x"}},
+                      CalcCase{"a-b", {"10", "3"}, "7", {"a", "b"}}, CalcCase{"x*2", {""}, "", {"x"}},
+                      CalcCase{"a+b", {"1", ""}, "", {"a", "b"}}));
+
+TEST_F(GuiTest, HeaderOfACalcIsNotRegistered) {
+  start();
+  replies_ = {"1"};
+  EXPECT_EQ(calc("f(x)=x+1"), "2");
+  EXPECT_EQ(engine().userFunctionCount(), 0);
+}
+
+struct ErrorCase {
+  const char* formula;
+  const char* message;
+};
+
+class CalcError : public GuiTest, public ::testing::WithParamInterface<ErrorCase> {};
+
+TEST_P(CalcError, LeavesTheAnswerEmptyAndShowsTheMessage) {
+  start();
+  EXPECT_EQ(calc("1+1"), "2");
+  EXPECT_EQ(calc(QString::fromUtf8(GetParam().formula)), "");
+  EXPECT_EQ(errorText().toStdString(), GetParam().message);
+  EXPECT_TRUE(faults_.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(MainWindow, CalcError,
+                         ::testing::Values(ErrorCase{"1/0", "0で割ることは不可です"},
+                                           ErrorCase{"sqr(-1)", "負の平方根は不可です"},
+                                           ErrorCase{"ln(0)", "0,負のlogは不可です"},
+                                           ErrorCase{"asin(2)", "逆ｻｲﾝ、ｺｻｲﾝの範囲は、-1～1です"},
+                                           ErrorCase{"(1+2", "括弧の個数が合いません"},
+                                           ErrorCase{"nofunc(2)", "ユーザ関数が見つかりません"}));
+
+class CalcFault : public GuiTest, public ::testing::WithParamInterface<const char*> {};
+
+TEST_P(CalcFault, ShowsTheFaultOnceAndNoAnswer) {
+  start();
+  EXPECT_EQ(calc(QString::fromUtf8(GetParam())), "");
+  EXPECT_EQ(faults_.size(), 1u);
+  EXPECT_EQ(errorText(), QString());
+  // The next Calc works normally.
+  EXPECT_EQ(calc("2+2"), "4");
+  EXPECT_EQ(faults_.size(), 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(MainWindow, CalcFault, ::testing::Values("13!", "1E300*1E300", "perm(40,20)"));
+
+TEST_F(GuiTest, EnterInTheFormulaBoxRunsCalcAndKeepsTheFocus) {
+  start();
+  main().activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&main()));
+  auto* text = child<QLineEdit>(&main(), "Text1");
+  text->setFocus();
+  QTest::keyClicks(text, "6*7");
+  QTest::keyClick(text, Qt::Key_Return);
+  EXPECT_EQ(main().answerText(), "42");
+  EXPECT_TRUE(text->hasFocus());
+
+  // A mouse click on Calc gives the focus back to the formula box.
+  text->setText("1+1");
+  click(&main(), "Command1");
+  EXPECT_EQ(main().answerText(), "2");
+  EXPECT_TRUE(text->hasFocus());
+}
+
+TEST_F(GuiTest, AnswerCanBeSelectedAndCopied) {
+  start();
+  calc("1/3");
+  auto* label = child<QLabel>(&main(), "Label1");
+  EXPECT_TRUE(label->textInteractionFlags() & Qt::TextSelectableByMouse);
+  EXPECT_TRUE(label->textInteractionFlags() & Qt::TextSelectableByKeyboard);
+  label->setSelection(0, label->text().size());
+  EXPECT_EQ(label->selectedText(), "0.333333333333333");
+}
+
+TEST_F(GuiTest, ClearEmptiesOnlyTheFormulaBox) {
+  start();
+  calc("2*21");
+  press(5);
+  EXPECT_EQ(main().formulaText(), "");
+  EXPECT_EQ(main().answerText(), "42");
+}
+
+TEST_F(GuiTest, EndClosesTheMainWindow) {
+  start();
+  ASSERT_TRUE(main().isVisible());
+  press(6);
+  EXPECT_FALSE(main().isVisible());
+}
+
+TEST_F(GuiTest, ButtonsWithoutAWindowAreDisabledWithATooltip) {
+  start();
+  for (int n : {1, 3, 4, 5, 6, 8, 12}) {
+    auto* button = child<QPushButton>(&main(), ("Command" + std::to_string(n)).c_str());
+    EXPECT_TRUE(button->isEnabled()) << n;
+    EXPECT_TRUE(button->toolTip().isEmpty()) << n;
+  }
+  auto* graph = child<QPushButton>(&main(), "Command2");
+  EXPECT_FALSE(graph->isEnabled());
+  EXPECT_EQ(graph->toolTip(), "This window is not available yet.");
+
+  int opened = 0;
+  main().setToolOpener(2, [&opened] { ++opened; });
+  EXPECT_TRUE(graph->isEnabled());
+  EXPECT_TRUE(graph->toolTip().isEmpty());
+  press(2);
+  EXPECT_EQ(opened, 1);
+  main().setToolOpener(2, {});
+  EXPECT_FALSE(graph->isEnabled());
+}
+
+TEST_F(GuiTest, RealInputBoxAsksWithTheVariableAndDefaultZero) {
+  start();
+  app_->host().setAnswerFunction({});
+  QString title, label, preset;
+  OnNextModal<QInputDialog>([&](QInputDialog* box) {
+    title = box->windowTitle();
+    label = box->labelText();
+    preset = box->textValue();
+    box->setTextValue("4");
+    box->accept();
+  });
+  EXPECT_EQ(calc("x*2"), "8");
+  EXPECT_EQ(title, "データ入力");
+  EXPECT_EQ(label, "x");
+  EXPECT_EQ(preset, "0");
+
+  OnNextModal<QInputDialog>([](QInputDialog* box) { box->reject(); });
+  EXPECT_EQ(calc("y+1"), "");
+  EXPECT_EQ(errorText(), QString());
+}
+
+}  // namespace
+}  // namespace merida::test

@@ -1,0 +1,194 @@
+// Rec of the main window and the Function List window: listing, select, delete, save.
+#include <QListWidget>
+
+#include "gui_fixture.h"
+
+namespace merida::test {
+namespace {
+
+class FunctionList : public GuiTest {
+ protected:
+  // Opens the list from the main window's List button.
+  QWidget* openList() {
+    press(3);
+    QWidget* list = window(QStringLiteral("FunctionListWindow"));
+    EXPECT_NE(list, nullptr);
+    return list;
+  }
+  QStringList lines(QWidget* list) {
+    QStringList out;
+    auto* box = child<QListWidget>(list, "List1");
+    for (int i = 0; box && i < box->count(); ++i) out << box->item(i)->text();
+    return out;
+  }
+  void choose(QWidget* list, int row) { child<QListWidget>(list, "List1")->setCurrentRow(row); }
+};
+
+TEST_F(FunctionList, RecThenCalcUsesTheFunction) {
+  start();
+  rec("sq(x)=x*x");
+  EXPECT_EQ(errorText(), QString());
+  EXPECT_EQ(engine().userFunctionCount(), 1);
+  EXPECT_EQ(calc("sq(3)+1"), "10");
+}
+
+TEST_F(FunctionList, RecWithoutHeaderGetsAnAutomaticName) {
+  start();
+  rec("x^2+y");
+  EXPECT_EQ(lines(openList()), QStringList{"f_1(x,y)=x^2+y"});
+}
+
+struct RecError {
+  const char* first;  // registered before, or nullptr
+  const char* formula;
+  const char* message;
+};
+
+class RecRefused : public FunctionList, public ::testing::WithParamInterface<RecError> {};
+
+TEST_P(RecRefused, ShowsTheErrorAndRegistersNothing) {
+  start();
+  int before = 0;
+  if (GetParam().first) {
+    rec(GetParam().first);
+    before = 1;
+  }
+  rec(QString::fromUtf8(GetParam().formula));
+  EXPECT_EQ(errorText().toStdString(), GetParam().message);
+  EXPECT_EQ(engine().userFunctionCount(), before);
+  EXPECT_EQ(lines(openList()).size(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(MainWindow, RecRefused,
+                         ::testing::Values(RecError{nullptr, "h(x)=x+y", "式の変数が余分です"},
+                                           RecError{nullptr, "h(x,y)=x", "式の変数が不足です"},
+                                           RecError{nullptr, "h(1)=2", "関数のパラメータが定数はだめです"},
+                                           RecError{"sq(x)=x*x", "sq(t)=t", "このユーザ関数は既に登録されています"}));
+
+TEST_F(FunctionList, FiftiethFunctionIsRefusedWithError9) {
+  start();
+  for (int i = 1; i <= 49; ++i) rec(QStringLiteral("g%1(x)=x+%1").arg(i));
+  ASSERT_EQ(engine().userFunctionCount(), 49);
+  EXPECT_EQ(errorText(), QString());
+  rec("g50(x)=x");
+  EXPECT_EQ(errorText(), "ユーザ関数はこれ以上登録できません");
+  EXPECT_EQ(engine().userFunctionCount(), 49);
+  EXPECT_EQ(lines(openList()).size(), 49);
+}
+
+TEST_F(FunctionList, SelectCopiesTheLineIntoTheFormulaBoxAndCloses) {
+  start();
+  rec("sq(x)=x*x");
+  rec("f(x,y)=x+perm(x,y)");
+  QWidget* list = openList();
+  EXPECT_EQ(lines(list), (QStringList{"sq(x)=x*x", "f(x,y)=x+perm(x,y)"}));
+  choose(list, 1);
+  click(list, "Command3");
+  EXPECT_EQ(main().formulaText(), "f(x,y)=x+perm(x,y)");
+  EXPECT_EQ(window(QStringLiteral("FunctionListWindow")), nullptr);
+}
+
+TEST_F(FunctionList, SelectWithoutAChoiceDoesNothing) {
+  start();
+  rec("sq(x)=x*x");
+  main().setFormulaText("kept");
+  QWidget* list = openList();
+  click(list, "Command3");
+  EXPECT_EQ(main().formulaText(), "kept");
+  EXPECT_NE(window(QStringLiteral("FunctionListWindow")), nullptr);
+}
+
+TEST_F(FunctionList, SelectInParametricModeGoesToTheParameterBox) {
+  start();
+  rec("sq(x)=x*x");
+  main().setFormulaText("kept");
+  QStringList received;
+  bool accept = true;
+  auto target = [&](const QString& line) {
+    received << line;
+    return accept;
+  };
+
+  state().GraphMode = 3;
+  QWidget* list = openList();
+  static_cast<FunctionListWindow*>(list)->setParameterTarget(target);
+  choose(list, 0);
+  click(list, "Command3");
+  EXPECT_EQ(received, QStringList{"sq(x)=x*x"});
+  EXPECT_EQ(main().formulaText(), "kept");
+
+  // A parameter window that cannot take it leaves the line to the main window.
+  accept = false;
+  list = openList();
+  static_cast<FunctionListWindow*>(list)->setParameterTarget(target);
+  choose(list, 0);
+  click(list, "Command3");
+  EXPECT_EQ(main().formulaText(), "sq(x)=x*x");
+
+  // Outside parametric mode the target is not asked.
+  state().GraphMode = 1;
+  main().setFormulaText("kept");
+  received.clear();
+  list = openList();
+  static_cast<FunctionListWindow*>(list)->setParameterTarget(target);
+  choose(list, 0);
+  click(list, "Command3");
+  EXPECT_TRUE(received.isEmpty());
+  EXPECT_EQ(main().formulaText(), "sq(x)=x*x");
+}
+
+TEST_F(FunctionList, DeletingTheFirstOfThreeLeavesTwo) {
+  start();
+  rec("a1(x)=x+1");
+  rec("a2(x)=x+2");
+  rec("a3(x)=x+3");
+  QWidget* list = openList();
+  choose(list, 0);
+  click(list, "Command2");
+  EXPECT_EQ(lines(list), (QStringList{"a2(x)=x+2", "a3(x)=x+3"}));
+  EXPECT_EQ(engine().userFunctionCount(), 2);
+  EXPECT_EQ(engine().FunctionListLine(1), "a2(x)=x+2");
+
+  // Del again without a new choice deletes nothing.
+  click(list, "Command2");
+  EXPECT_EQ(engine().userFunctionCount(), 2);
+
+  EXPECT_EQ(calc("a3(1)"), "4");
+  EXPECT_EQ(calc("a1(1)"), "");
+  EXPECT_EQ(errorText(), "ユーザ関数が見つかりません");
+}
+
+TEST_F(FunctionList, SaveWritesTheStoreAndTheNextStartReadsIt) {
+  start();
+  rec("sq(x)=x*x");
+  rec("f(x,y)=x+perm(x,y)");
+  rec("x^2+y");
+  QWidget* list = openList();
+  click(list, "Command4");
+  EXPECT_EQ(readFile("MERIDA.DAT"), "sq(x)=x*x\r\nf(x@y)=x+perm(x@y)\r\nf_1(x@y)=x^2+y\r\n");
+
+  start();
+  EXPECT_EQ(engine().userFunctionCount(), 3);
+  EXPECT_EQ(lines(openList()), (QStringList{"sq(x)=x*x", "f(x,y)=x+perm(x,y)", "f_1(x,y)=x^2+y"}));
+  EXPECT_EQ(calc("f(5,2)"), "25");
+}
+
+TEST_F(FunctionList, NothingIsSavedWithoutTheListsRec) {
+  start();
+  rec("sq(x)=x*x");
+  EXPECT_EQ(readFile("MERIDA.DAT"), "");
+  start();
+  EXPECT_EQ(engine().userFunctionCount(), 0);
+}
+
+TEST_F(FunctionList, OpeningTwiceKeepsOneWindow) {
+  start();
+  QWidget* first = openList();
+  QWidget* second = openList();
+  EXPECT_EQ(first, second);
+  click(first, "Command1");
+  EXPECT_EQ(window(QStringLiteral("FunctionListWindow")), nullptr);
+}
+
+}  // namespace
+}  // namespace merida::test

@@ -1,0 +1,66 @@
+#include "gui_fixture.h"
+
+namespace merida::test {
+
+void GuiTest::TearDown() {
+  app_.reset();
+  TempDir::TearDown();
+}
+
+void GuiTest::start() {
+  app_.reset();
+  app_ = std::make_unique<Application>(dir_);
+  app_->host().setAnswerFunction([this](const std::string& prompt) -> std::optional<std::string> {
+    prompts_.push_back(prompt);
+    if (replies_.empty()) {
+      ADD_FAILURE() << "unexpected input box for " << prompt;
+      return std::nullopt;
+    }
+    std::string reply = replies_.front();
+    replies_.pop_front();
+    if (reply.empty()) return std::nullopt;
+    return reply;
+  });
+  app_->host().setFaultFunction([this](const std::string& description) { faults_.push_back(description); });
+  main().show();
+}
+
+QString GuiTest::calc(const QString& formula) {
+  child<QLineEdit>(&main(), "Text1")->setText(formula);
+  click(&main(), "Command1");
+  return child<QLabel>(&main(), "Label1")->text();
+}
+
+void GuiTest::rec(const QString& formula) {
+  child<QLineEdit>(&main(), "Text1")->setText(formula);
+  click(&main(), "Command4");
+}
+
+void GuiTest::press(int commandNumber) {
+  QByteArray name = "Command" + QByteArray::number(commandNumber);
+  click(&main(), name.constData());
+}
+
+QWidget* GuiTest::window(const QString& objectName) const {
+  for (QWidget* w : QApplication::topLevelWidgets()) {
+    if (w->objectName() == objectName && w->isVisible()) return w;
+  }
+  return nullptr;
+}
+
+QString GuiTest::errorText() const {
+  QWidget* errors = window(QStringLiteral("ErrorWindow"));
+  if (!errors) return {};
+  return errors->findChild<QLabel*>(QStringLiteral("Label1"))->text();
+}
+
+void GuiTest::acknowledgeError() { click(window(QStringLiteral("ErrorWindow")), "Command1"); }
+
+void GuiTest::click(QWidget* parent, const char* name) {
+  auto* button = child<QPushButton>(parent, name);
+  if (!button) return;
+  ASSERT_TRUE(button->isEnabled()) << name << " is disabled";
+  QTest::mouseClick(button, Qt::LeftButton);
+}
+
+}  // namespace merida::test

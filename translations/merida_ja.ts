@@ -1,0 +1,215 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja_JP" sourcelanguage="en">
+<context>
+    <name>merida::ErrorWindow</name>
+    <message>
+        <source>Error Message</source>
+        <translation>エラーメッセージ</translation>
+    </message>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>merida::FunctionListWindow</name>
+    <message>
+        <source>Function List</source>
+        <translation>関数一覧</translation>
+    </message>
+    <message>
+        <source>Rec</source>
+        <translation>記録</translation>
+    </message>
+    <message>
+        <source>Selct</source>
+        <translation>選択</translation>
+    </message>
+    <message>
+        <source>Del</source>
+        <translation>削除</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>MERIDA.DAT could not be written.</source>
+        <translation>MERIDA.DAT を書き込めませんでした。</translation>
+    </message>
+</context>
+<context>
+    <name>merida::HelpWindow</name>
+    <message>
+        <source>Help</source>
+        <translation>ヘルプ</translation>
+    </message>
+    <message>
+        <source>Calculate</source>
+        <translation>演算子</translation>
+    </message>
+    <message>
+        <source>Function</source>
+        <translation>定義関数</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>ﾊﾞｰｼﾞｮﾝ</translation>
+    </message>
+    <message>
+        <source>Japan</source>
+        <translation>英語</translation>
+    </message>
+    <message>
+        <source>Manual</source>
+        <translation>説明書</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Version Number</source>
+        <translation>バージョン情報</translation>
+    </message>
+    <message>
+        <source>Merida Calculator  Ver.7.6</source>
+        <translation>メリダ電卓  Ver.7.6</translation>
+    </message>
+    <message>
+        <source>English To Japanese</source>
+        <translation>日本語を英語にする</translation>
+    </message>
+    <message>
+        <source>Japanese Transfer?</source>
+        <translation>英語にしますか?</translation>
+    </message>
+</context>
+<context>
+    <name>merida::MainWindow</name>
+    <message>
+        <source>MERIDA</source>
+        <translation>メリダ電卓</translation>
+    </message>
+    <message>
+        <source>Function</source>
+        <translation>関数</translation>
+    </message>
+    <message>
+        <source>Answer</source>
+        <translation>答</translation>
+    </message>
+    <message>
+        <source>Calc</source>
+        <translation>計算</translation>
+    </message>
+    <message>
+        <source>Graph</source>
+        <translation>ｸﾞﾗﾌ</translation>
+    </message>
+    <message>
+        <source>List</source>
+        <translation>一覧</translation>
+    </message>
+    <message>
+        <source>Rec</source>
+        <translation>登録</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>ｸﾘｱ</translation>
+    </message>
+    <message>
+        <source>End</source>
+        <translation>終了</translation>
+    </message>
+    <message>
+        <source>Integ</source>
+        <translation>積分</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>ﾍﾙﾌﾟ</translation>
+    </message>
+    <message>
+        <source>Diff</source>
+        <translation>微分</translation>
+    </message>
+    <message>
+        <source>Inter</source>
+        <translation>根</translation>
+    </message>
+    <message>
+        <source>Contr</source>
+        <translation>等高</translation>
+    </message>
+    <message>
+        <source>Edit</source>
+        <translation>電卓</translation>
+    </message>
+    <message>
+        <source>Simult</source>
+        <translation>連立</translation>
+    </message>
+    <message>
+        <source>Delay</source>
+        <translation>遅延</translation>
+    </message>
+    <message>
+        <source>Wave</source>
+        <translation>音</translation>
+    </message>
+    <message>
+        <source>Matrix</source>
+        <translation>行列</translation>
+    </message>
+    <message>
+        <source>FFT</source>
+        <translation>FFT</translation>
+    </message>
+    <message>
+        <source>Load</source>
+        <translation>ﾌｧｲﾙ</translation>
+    </message>
+    <message>
+        <source>Stat</source>
+        <translation>統計</translation>
+    </message>
+    <message>
+        <source>Prime</source>
+        <translation>素数</translation>
+    </message>
+    <message>
+        <source>This window is not available yet.</source>
+        <translation>このウィンドウはまだ使えません。</translation>
+    </message>
+</context>
+<context>
+    <name>merida::PadWindow</name>
+    <message>
+        <source>Edit</source>
+        <translation>電卓</translation>
+    </message>
+    <message>
+        <source>M+</source>
+        <translation>M+</translation>
+    </message>
+    <message>
+        <source>M-</source>
+        <translation>M-</translation>
+    </message>
+    <message>
+        <source>MC</source>
+        <translation>MC</translation>
+    </message>
+    <message>
+        <source>MR</source>
+        <translation>MR</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+</TS>

@@ -26,27 +26,15 @@ int StackEffectTake(const Instr& in) {
   }
 }
 
-bool IsPush(Op op) {
-  return op == Op::kConst || op == Op::kVar || op == Op::kLinked || op == Op::kParam;
-}
-
 // Folds a constant operand into the operation that uses it.
 void Fuse(std::vector<Instr>& code) {
   Instr op = code.back();
   size_t size = code.size();
   if (size < 2) return;
   Instr& prev = code[size - 2];
-  if (prev.op != Op::kConst) {
-    // c X op with a commutative op: X op c gives the same bits.
-    if (size >= 3 && code[size - 3].op == Op::kConst && IsPush(prev.op) &&
-        (op.op == Op::kAdd || op.op == Op::kMul)) {
-      double c = code[size - 3].value;
-      code[size - 3] = prev;
-      code[size - 2] = Instr{op.op == Op::kAdd ? Op::kAddC : Op::kMulC, Builtin::kNone, 0, 0, c};
-      code.pop_back();
-    }
-    return;
-  }
+  // Only a constant right operand is folded: the value produced before a variable cell must
+  // stay what it was, because a stopped run binds variables to it.
+  if (prev.op != Op::kConst) return;
   double c = prev.value;
   Op fused;
   switch (op.op) {

@@ -1,5 +1,8 @@
-// Each test gets its own directory: ctest runs test programs in parallel.
+// Shared test helpers.
 #include "test_support.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <random>
@@ -7,35 +10,64 @@
 
 namespace merida::test {
 
-void TempDir::SetUp() {
+void TempDirTest::SetUp() {
   previous_ = std::filesystem::current_path();
-  std::random_device random;
-  const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-  std::string name = std::string("merida-") + (info ? info->name() : "test") + "-" + std::to_string(random());
-  for (char& c : name) {
-    if (c == '/') c = '_';  // parameterised tests are named "Case/0"
-  }
-  dir_ = std::filesystem::temp_directory_path() / name;
+  std::random_device rd;
+  dir_ = std::filesystem::temp_directory_path() / ("merida-test-" + std::to_string(::getpid()) + "-" + std::to_string(rd()));
   std::filesystem::create_directories(dir_);
   std::filesystem::current_path(dir_);
 }
 
-void TempDir::TearDown() {
+void TempDirTest::TearDown() {
   std::filesystem::current_path(previous_);
-  std::error_code ignored;
-  std::filesystem::remove_all(dir_, ignored);
+  std::error_code ec;
+  std::filesystem::remove_all(dir_, ec);
 }
 
-void TempDir::writeFile(const std::string& name, const std::string& contents) const {
-  std::ofstream out(dir_ / name, std::ios::binary);
-  out << contents;
+std::optional<std::string> RecordingHost::askValue(const std::string& prompt) {
+  prompts.push_back(prompt);
+  if (answers.empty()) return std::string("0");
+  auto a = answers.front();
+  answers.pop_front();
+  return a;
 }
 
-std::string TempDir::readFile(const std::string& name) const {
-  std::ifstream in(dir_ / name, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
+namespace {
+std::string Slurp(const std::filesystem::path& p) {
+  std::ifstream in(p, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+std::string Quote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+}  // namespace
+
+CliResult RunCli(const std::vector<std::string>& args, const std::string& input) {
+#ifdef MERIDA_CLI
+  auto base = std::filesystem::temp_directory_path() / ("merida-cli-" + std::to_string(::getpid()));
+  std::string in = base.string() + ".in", out = base.string() + ".out", err = base.string() + ".err";
+  std::ofstream(in, std::ios::binary) << input;
+  std::string cmd = Quote(MERIDA_CLI);
+  for (const auto& a : args) cmd += " " + Quote(a);
+  cmd += " <" + Quote(in) + " >" + Quote(out) + " 2>" + Quote(err);
+  int raw = std::system(cmd.c_str());
+  CliResult r;
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  r.out = Slurp(out);
+  r.err = Slurp(err);
+  std::filesystem::remove(in);
+  std::filesystem::remove(out);
+  std::filesystem::remove(err);
+  return r;
+#else
+  (void)args;
+  (void)input;
+  return {};
+#endif
 }
 
 }  // namespace merida::test

@@ -12,6 +12,9 @@ int main(int argc, char** argv) {
   std::error_code error;
   std::filesystem::path dir = std::filesystem::current_path(error);
   merida::Application application(error ? std::filesystem::path(".") : dir);
+  // Closing the main window ends the run even while tool windows are still open.
+  QObject::connect(&application.mainWindow(), &merida::MainWindow::closed, &qt, &QCoreApplication::quit,
+                   Qt::QueuedConnection);
   application.mainWindow().show();
   return QApplication::exec();
 }

@@ -2,7 +2,6 @@
 #include "main/main_window.h"
 
 #include <QCloseEvent>
-#include <QCoreApplication>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -163,8 +162,7 @@ void MainWindow::clear() {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   ToolWindow::closeEvent(event);
-  // Ends the event loop, which unloads every other window with this one.
-  QCoreApplication::exit(0);
+  emit closed();
 }
 
 }  // namespace merida

@@ -30,6 +30,10 @@ class MainWindow : public ToolWindow {
   void setFormulaText(const QString& text);
   QString answerText() const;
 
+ signals:
+  // The window was closed (End or the title bar): the program ends.
+  void closed();
+
  protected:
   void closeEvent(QCloseEvent* event) override;
 

@@ -119,8 +119,11 @@ TEST_F(GuiTest, ClearEmptiesOnlyTheFormulaBox) {
 TEST_F(GuiTest, EndClosesTheMainWindow) {
   start();
   ASSERT_TRUE(main().isVisible());
+  int closed = 0;
+  QObject::connect(&main(), &MainWindow::closed, [&closed] { ++closed; });
   press(6);
   EXPECT_FALSE(main().isVisible());
+  EXPECT_EQ(closed, 1);
 }
 
 TEST_F(GuiTest, ButtonsWithoutAWindowAreDisabledWithATooltip) {

@@ -1,10 +1,26 @@
+// The fixture's program answers input boxes from replies_ and records faults instead of showing them.
 #include "gui_fixture.h"
+
+#include <fstream>
+#include <sstream>
 
 namespace merida::test {
 
 void GuiTest::TearDown() {
   app_.reset();
-  TempDir::TearDown();
+  TempDirTest::TearDown();
+}
+
+void GuiTest::writeFile(const std::string& name, const std::string& contents) const {
+  std::ofstream out(dir_ / name, std::ios::binary);
+  out << contents;
+}
+
+std::string GuiTest::readFile(const std::string& name) const {
+  std::ifstream in(dir_ / name, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
 }
 
 void GuiTest::start() {

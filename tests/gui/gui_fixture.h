@@ -19,11 +19,24 @@
 #include "main/function_list_window.h"
 #include "test_support.h"
 
+// Readable failure messages for Qt texts.
+inline void PrintTo(const QString& text, std::ostream* out) { *out << '"' << text.toStdString() << '"'; }
+inline void PrintTo(const QStringList& lines, std::ostream* out) {
+  *out << "{";
+  for (const QString& line : lines) *out << " \"" << line.toStdString() << "\"";
+  *out << " }";
+}
+
 namespace merida::test {
 
-class GuiTest : public TempDir {
+class GuiTest : public TempDirTest {
  protected:
   void TearDown() override;
+
+  // Writes `contents` to `name` in the test's directory.
+  void writeFile(const std::string& name, const std::string& contents) const;
+  // The whole file, or "" when it does not exist.
+  std::string readFile(const std::string& name) const;
 
   // Starts the program here (reading MERIDA.DEF and MERIDA.DAT) and shows the main window.
   void start();

@@ -72,39 +72,46 @@ HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translatio
   Command5 = makeButton("Command5");
   Command2 = makeButton("Command2");
 
-  // Room for the longest line without a horizontal scroll bar.
+  // Both lists show every line without scrolling, in either language.
   QFontMetrics metrics(font);
-  int listWidth = 0;
-  for (int16_t language : {kEnglish, kJapanese}) {
-    for (std::string_view line : FunctionLines(language)) {
-      QString text = QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
-      listWidth = std::max(listWidth, metrics.horizontalAdvance(text));
+  auto widest = [&metrics](std::span<const std::string_view> english, std::span<const std::string_view> japanese) {
+    int width = 0;
+    for (auto lines : {english, japanese}) {
+      for (std::string_view line : lines) {
+        width = std::max(width, metrics.horizontalAdvance(
+                                    QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()))));
+      }
     }
-  }
-  List2->setMinimumWidth(listWidth + 2 * List2->frameWidth() + 24);
-  List2->setMinimumHeight(metrics.lineSpacing() * 14);
-  List1->setMinimumWidth(metrics.horizontalAdvance(QStringLiteral(" *  Multiplication ")) + 24);
-  List1->setMinimumHeight(metrics.lineSpacing() * 6 + 2 * List1->frameWidth() + 8);
+    return width;
+  };
+  retranslate();  // fills the lists, whose rows give the height
+  auto fit = [&metrics](QListWidget* list, int width, int lines) {
+    int frame = 2 * list->frameWidth();
+    int row = std::max(list->sizeHintForRow(0), metrics.lineSpacing());
+    list->setFixedSize(width + frame + 2 * metrics.averageCharWidth(), lines * row + frame + 4);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  };
+  fit(List1, widest(OperatorLines(kEnglish), OperatorLines(kJapanese)), 6);
+  fit(List2, widest(FunctionLines(kEnglish), FunctionLines(kJapanese)), 26);
 
-  auto* buttons = new QVBoxLayout;
-  buttons->addWidget(Command3);
-  buttons->addWidget(Command4);
-  buttons->addWidget(Command5);
-  buttons->addStretch();
-  buttons->addWidget(Command2);
   auto* left = new QVBoxLayout;
   left->addWidget(Frame1);
-  left->addLayout(buttons, 1);
+  left->addSpacing(8);
+  left->addWidget(Command3);
+  left->addWidget(Command4);
+  left->addWidget(Command5);
+  left->addStretch(1);
+  left->addWidget(Command2);
   auto* layout = new QHBoxLayout(this);
   layout->addLayout(left);
-  layout->addWidget(Frame2, 1);
+  layout->addWidget(Frame2);
+  layout->setSizeConstraint(QLayout::SetFixedSize);
 
   connect(Command3, &QPushButton::clicked, this, &HelpWindow::showVersion);
   connect(Command4, &QPushButton::clicked, this, &HelpWindow::switchLanguage);
   connect(Command5, &QPushButton::clicked, this, &HelpWindow::openManual);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
-
-  retranslate();
 }
 
 void HelpWindow::retranslate() {

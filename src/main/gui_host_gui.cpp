@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 
 namespace merida {
@@ -18,10 +19,14 @@ void GuiHost::setWindow(QWidget* window) { window_ = window; }
 
 std::optional<std::string> GuiHost::askValue(const std::string& prompt) {
   if (answer_) return answer_(prompt);
-  bool ok = false;
-  QString reply = QInputDialog::getText(window_, QStringLiteral("データ入力"), QString::fromStdString(prompt),
-                                        QLineEdit::Normal, QStringLiteral("0"), &ok);
-  if (!ok) return std::nullopt;
+  QInputDialog box(window_);
+  box.setWindowTitle(QStringLiteral("データ入力"));
+  box.setLabelText(QString::fromStdString(prompt));
+  box.setTextValue(QStringLiteral("0"));
+  // Room for the title and a long expression.
+  if (auto* edit = box.findChild<QLineEdit*>()) edit->setMinimumWidth(260);
+  if (box.exec() != QDialog::Accepted) return std::nullopt;
+  QString reply = box.textValue();
   return reply.toStdString();
 }
 

@@ -74,7 +74,8 @@ HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translatio
 
   // Both lists show every line without scrolling, in either language.
   QFontMetrics metrics(font);
-  auto widest = [&metrics](std::span<const std::string_view> english, std::span<const std::string_view> japanese) {
+  auto widest = [&metrics](std::span<const std::string_view> english,
+                           std::span<const std::string_view> japanese) {
     int width = 0;
     for (auto lines : {english, japanese}) {
       for (std::string_view line : lines) {

@@ -44,8 +44,7 @@ class RunGuard {
 
 }  // namespace
 
-MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent)
-    : ToolWindow(engine, state, parent) {
+MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
   setObjectName(QStringLiteral("MainWindow"));
 
   Frame1 = new QGroupBox(this);
@@ -106,13 +105,14 @@ MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent)
 QPushButton* MainWindow::command(int n) const { return buttons_.at(n); }
 
 void MainWindow::retranslate() {
+  // clang-format off
   static const char* const captions[] = {
-      nullptr,         QT_TR_NOOP("Calc"),  QT_TR_NOOP("Graph"),  QT_TR_NOOP("List"),
-      QT_TR_NOOP("Rec"),   QT_TR_NOOP("Clear"), QT_TR_NOOP("End"),    QT_TR_NOOP("Integ"),
-      QT_TR_NOOP("Help"),  QT_TR_NOOP("Diff"),  QT_TR_NOOP("Inter"),  QT_TR_NOOP("Contr"),
-      QT_TR_NOOP("Edit"),  QT_TR_NOOP("Simult"), QT_TR_NOOP("Delay"), QT_TR_NOOP("Wave"),
-      QT_TR_NOOP("Matrix"), QT_TR_NOOP("FFT"),  QT_TR_NOOP("Load"),   QT_TR_NOOP("Stat"),
-      QT_TR_NOOP("Prime")};
+      nullptr,
+      QT_TR_NOOP("Calc"),  QT_TR_NOOP("Graph"), QT_TR_NOOP("List"),   QT_TR_NOOP("Rec"),    QT_TR_NOOP("Clear"),
+      QT_TR_NOOP("End"),   QT_TR_NOOP("Integ"), QT_TR_NOOP("Help"),   QT_TR_NOOP("Diff"),   QT_TR_NOOP("Inter"),
+      QT_TR_NOOP("Contr"), QT_TR_NOOP("Edit"),  QT_TR_NOOP("Simult"), QT_TR_NOOP("Delay"),  QT_TR_NOOP("Wave"),
+      QT_TR_NOOP("Matrix"), QT_TR_NOOP("FFT"),  QT_TR_NOOP("Load"),   QT_TR_NOOP("Stat"),   QT_TR_NOOP("Prime")};
+  // clang-format on
   setWindowTitle(tr("MERIDA"));
   Frame1->setTitle(tr("Function"));
   Frame2->setTitle(tr("Answer"));

@@ -47,10 +47,10 @@ class MainWindow : public ToolWindow {
   QLineEdit* Text1;
   QGroupBox* Frame2;
   QLabel* Label1;
-  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7,
-      *Command8, *Command9, *Command10, *Command11, *Command12, *Command13, *Command14,
-      *Command15, *Command16, *Command17, *Command18, *Command19, *Command20;
-  std::array<QPushButton*, 21> buttons_{};          // Command1..Command20 by number
+  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8,
+      *Command9, *Command10, *Command11, *Command12, *Command13, *Command14, *Command15, *Command16,
+      *Command17, *Command18, *Command19, *Command20;
+  std::array<QPushButton*, 21> buttons_{};         // Command1..Command20 by number
   std::array<std::function<void()>, 21> openers_;  // by command number
   bool running_ = false;                           // Calc or Rec in progress
 };

@@ -63,7 +63,8 @@ INSTANTIATE_TEST_SUITE_P(MainWindow, RecRefused,
                          ::testing::Values(RecError{nullptr, "h(x)=x+y", "式の変数が余分です"},
                                            RecError{nullptr, "h(x,y)=x", "式の変数が不足です"},
                                            RecError{nullptr, "h(1)=2", "関数のパラメータが定数はだめです"},
-                                           RecError{"sq(x)=x*x", "sq(t)=t", "このユーザ関数は既に登録されています"}));
+                                           RecError{"sq(x)=x*x", "sq(t)=t",
+                                                    "このユーザ関数は既に登録されています"}));
 
 TEST_F(FunctionList, FiftiethFunctionIsRefusedWithError9) {
   start();

@@ -36,7 +36,8 @@ class Help : public GuiTest {
   }
   static QStringList expected(std::span<const std::string_view> source) {
     QStringList out;
-    for (std::string_view line : source) out << QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
+    for (std::string_view line : source)
+      out << QString::fromUtf8(line.data(), static_cast<qsizetype>(line.size()));
     return out;
   }
   // Presses the language switch and answers the Yes/No box; returns its title and text.

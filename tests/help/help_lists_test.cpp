@@ -1,9 +1,10 @@
 // The help window's reference lines: counts, order and the characters that are easy to lose.
+#include "help/help_lists.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "help/help_lists.h"
 #include "main/app_state.h"
 
 namespace merida {
@@ -40,22 +41,25 @@ TEST_P(HelpLine, IsKeptByteForByte) {
   EXPECT_EQ(lines[c.index - 1], c.text);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Lines, HelpLine,
-    ::testing::Values(LineCase{kEnglish, false, 1, " +  Addition "}, LineCase{kEnglish, false, 5, " ^  Power  "},
-                      LineCase{kJapanese, false, 4, " /   割り算 "}, LineCase{kJapanese, false, 6, " !   階乗   "},
-                      LineCase{kEnglish, true, 2, " abs(x)     Abusolute  "},
-                      LineCase{kEnglish, true, 17, " random(a)  Random Numbers(0～1) "},
-                      LineCase{kEnglish, true, 25, " Gamma(x)  Gammma Function"},
-                      LineCase{kJapanese, true, 1, " sqr(x)     ﾙｰﾄ        "},
-                      LineCase{kJapanese, true, 3, " sin(x)      ｻｲﾝ        "},
-                      LineCase{kJapanese, true, 11, " tanh(x)    双曲ﾀﾝｼﾞｪﾝﾄ"},
-                      LineCase{kJapanese, true, 23, " Jn(n,x) 第1種ﾍﾞｯｾﾙ関数"},
-                      LineCase{kJapanese, true, 26, " Pn(n,x) ﾙｼﾞｬﾝﾄﾞﾙ関数"}));
+INSTANTIATE_TEST_SUITE_P(Lines, HelpLine,
+                         ::testing::Values(LineCase{kEnglish, false, 1, " +  Addition "},
+                                           LineCase{kEnglish, false, 5, " ^  Power  "},
+                                           LineCase{kJapanese, false, 4, " /   割り算 "},
+                                           LineCase{kJapanese, false, 6, " !   階乗   "},
+                                           LineCase{kEnglish, true, 2, " abs(x)     Abusolute  "},
+                                           LineCase{kEnglish, true, 17, " random(a)  Random Numbers(0～1) "},
+                                           LineCase{kEnglish, true, 25, " Gamma(x)  Gammma Function"},
+                                           LineCase{kJapanese, true, 1, " sqr(x)     ﾙｰﾄ        "},
+                                           LineCase{kJapanese, true, 3, " sin(x)      ｻｲﾝ        "},
+                                           LineCase{kJapanese, true, 11, " tanh(x)    双曲ﾀﾝｼﾞｪﾝﾄ"},
+                                           LineCase{kJapanese, true, 23, " Jn(n,x) 第1種ﾍﾞｯｾﾙ関数"},
+                                           LineCase{kJapanese, true, 26, " Pn(n,x) ﾙｼﾞｬﾝﾄﾞﾙ関数"}));
 
 TEST(HelpLists, TimestepLinesEndWithAnIdeographicSpace) {
-  EXPECT_EQ(FunctionLines(kEnglish)[20], std::string(" timestep(n)    Delay ") + std::string(kIdeographicSpace));
-  EXPECT_EQ(FunctionLines(kJapanese)[20], std::string(" timestep(n)    遅延 ") + std::string(kIdeographicSpace));
+  EXPECT_EQ(FunctionLines(kEnglish)[20],
+            std::string(" timestep(n)    Delay ") + std::string(kIdeographicSpace));
+  EXPECT_EQ(FunctionLines(kJapanese)[20],
+            std::string(" timestep(n)    遅延 ") + std::string(kIdeographicSpace));
   for (int16_t language : {kEnglish, kJapanese}) {
     int count = 0;
     for (std::string_view line : FunctionLines(language)) count += line.find(kIdeographicSpace) != line.npos;

@@ -1,9 +1,9 @@
 // The pad's memory arithmetic on answer and display texts.
+#include "main/memory_pad.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
-
-#include "main/memory_pad.h"
 
 namespace merida {
 namespace {
@@ -22,13 +22,14 @@ TEST_P(MemoryAdd, AddsOrSubtractsTheAnswer) {
   EXPECT_EQ(AddAnswerToMemory(c.memory, c.answer, c.sign), c.result);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Pad, MemoryAdd,
-    ::testing::Values(AddCase{0, "2", 1, 2.0}, AddCase{2, "3", 1, 5.0}, AddCase{5, "3", -1, 2.0},
-                      AddCase{0, "0.25", -1, -0.25}, AddCase{1, "1.26765060022823E+30", 1, 1.26765060022823E+30},
-                      AddCase{1, "1E-07", -1, 1 - 1e-7}, AddCase{4, "", 1, std::nullopt},
-                      AddCase{4, "", -1, std::nullopt}, AddCase{1.7e308, "1.7E+308", 1, std::nullopt},
-                      AddCase{-1.7e308, "1.7E+308", -1, std::nullopt}));
+INSTANTIATE_TEST_SUITE_P(Pad, MemoryAdd,
+                         ::testing::Values(AddCase{0, "2", 1, 2.0}, AddCase{2, "3", 1, 5.0},
+                                           AddCase{5, "3", -1, 2.0}, AddCase{0, "0.25", -1, -0.25},
+                                           AddCase{1, "1.26765060022823E+30", 1, 1.26765060022823E+30},
+                                           AddCase{1, "1E-07", -1, 1 - 1e-7}, AddCase{4, "", 1, std::nullopt},
+                                           AddCase{4, "", -1, std::nullopt},
+                                           AddCase{1.7e308, "1.7E+308", 1, std::nullopt},
+                                           AddCase{-1.7e308, "1.7E+308", -1, std::nullopt}));
 
 TEST(MemoryPad, DisplayOnOpenIsEmptyOnlyForZero) {
   EXPECT_EQ(MemoryDisplayOnOpen(0), "");

@@ -14,6 +14,8 @@ struct CalcCase {
   std::vector<std::string> prompts;  // the variables asked for
 };
 
+void PrintTo(const CalcCase& c, std::ostream* out) { *out << '"' << c.formula << '"'; }
+
 class CalcFlow : public GuiTest, public ::testing::WithParamInterface<CalcCase> {};
 
 TEST_P(CalcFlow, ShowsTheAnswerAndAsksForEachVariable) {
@@ -48,6 +50,8 @@ struct ErrorCase {
   const char* formula;
   const char* message;
 };
+
+void PrintTo(const ErrorCase& c, std::ostream* out) { *out << '"' << c.formula << '"'; }
 
 class CalcError : public GuiTest, public ::testing::WithParamInterface<ErrorCase> {};
 

@@ -44,6 +44,8 @@ struct RecError {
   const char* message;
 };
 
+void PrintTo(const RecError& c, std::ostream* out) { *out << '"' << c.formula << '"'; }
+
 class RecRefused : public FunctionList, public ::testing::WithParamInterface<RecError> {};
 
 TEST_P(RecRefused, ShowsTheErrorAndRegistersNothing) {

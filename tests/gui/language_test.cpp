@@ -69,6 +69,10 @@ struct SettingsCase {
   bool japanese;
 };
 
+void PrintTo(const SettingsCase& c, std::ostream* out) {
+  *out << (c.file ? "\"" + std::string(c.file) + "\"" : std::string("no file"));
+}
+
 class StartLanguage : public GuiTest, public ::testing::WithParamInterface<SettingsCase> {};
 
 TEST_P(StartLanguage, EveryWindowShowsTheCaptionsOfTheFile) {

@@ -33,6 +33,10 @@ struct LineCase {
   const char* text;
 };
 
+void PrintTo(const LineCase& c, std::ostream* out) {
+  *out << (c.language == kJapanese ? "Japanese " : "English ") << (c.function ? "function " : "operator ") << c.index;
+}
+
 class HelpLine : public ::testing::TestWithParam<LineCase> {};
 
 TEST_P(HelpLine, IsKeptByteForByte) {

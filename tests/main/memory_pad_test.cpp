@@ -15,6 +15,10 @@ struct AddCase {
   std::optional<double> result;
 };
 
+void PrintTo(const AddCase& c, std::ostream* out) {
+  *out << c.memory << (c.sign > 0 ? " M+ \"" : " M- \"") << c.answer << '"';
+}
+
 class MemoryAdd : public ::testing::TestWithParam<AddCase> {};
 
 TEST_P(MemoryAdd, AddsOrSubtractsTheAnswer) {

@@ -14,6 +14,7 @@ ErrorWindow::ErrorWindow(QWidget* parent) : QDialog(parent) {
   setObjectName(QStringLiteral("ErrorWindow"));
   Label1 = new QLabel(this);
   Label1->setObjectName(QStringLiteral("Label1"));
+  Label1->setTextFormat(Qt::PlainText);
   Label1->setWordWrap(true);
   Label1->setMinimumWidth(280);
   Label1->setAlignment(Qt::AlignCenter);

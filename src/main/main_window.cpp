@@ -58,6 +58,7 @@ MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   Frame2->setObjectName(QStringLiteral("Frame2"));
   Label1 = new QLabel(Frame2);
   Label1->setObjectName(QStringLiteral("Label1"));
+  Label1->setTextFormat(Qt::PlainText);
   Label1->setFrameShape(QFrame::StyledPanel);
   Label1->setFrameShadow(QFrame::Sunken);
   Label1->setMinimumHeight(Text1->sizeHint().height());

@@ -20,6 +20,7 @@ PadWindow::PadWindow(Engine& engine, AppState& state, MainWindow& main, QWidget*
   Frame1->setObjectName(QStringLiteral("Frame1"));
   Label1 = new QLabel(Frame1);
   Label1->setObjectName(QStringLiteral("Label1"));
+  Label1->setTextFormat(Qt::PlainText);
   Label1->setFrameShape(QFrame::StyledPanel);
   Label1->setFrameShadow(QFrame::Sunken);
   Label1->setAlignment(Qt::AlignRight | Qt::AlignVCenter);

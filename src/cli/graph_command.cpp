@@ -57,7 +57,7 @@ int RunGraph(Context& ctx, const std::vector<std::string>& args) {
     plot = PlotGo(ctx.engine, ctx.state, *formula, boxes);
   }
   const bool produced = plot.end == PlotEnd::kCompleted;
-  if (plot.end == PlotEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("overflow");
+  if (plot.end == PlotEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("Overflow");
   if (produced) {
     std::string out;
     out.reserve(plot.points.size() * 40);

@@ -60,6 +60,18 @@ ChartWidget::ChartWidget(QWidget* parent) : QChartView(parent) {
   chart()->legend()->hide();
   chart()->setMargins(QMargins(4, 4, 4, 4));
   chart()->setBackgroundRoundness(0);
+  xAxis_ = new QValueAxis(this);
+  xAxis_->setLabelFormat("%g");
+  yLinear_ = new QValueAxis(this);
+  yLinear_->setLabelFormat("%g");
+  yLog_ = new QLogValueAxis(this);
+  yLog_->setBase(10);
+  yLog_->setLabelFormat("%g");
+  yLog_->setMinorTickCount(8);
+  chart()->addAxis(xAxis_, Qt::AlignBottom);
+  chart()->addAxis(yLinear_, Qt::AlignLeft);
+  chart()->addAxis(yLog_, Qt::AlignLeft);
+  yLog_->setVisible(false);
 }
 
 void ChartWidget::setDataSets(int count) { sets_ = std::clamp(count, 1, 2); }
@@ -90,13 +102,13 @@ QList<QLineSeries*> ChartWidget::drawnSeries(int set) const {
   return set >= 1 && set <= 2 ? drawn_[set - 1] : QList<QLineSeries*>();
 }
 
+QAbstractAxis* ChartWidget::verticalAxis() const {
+  return yLog_->isVisible() ? static_cast<QAbstractAxis*>(yLog_) : yLinear_;
+}
+
 void ChartWidget::draw() {
   QChart* c = chart();
   c->removeAllSeries();
-  for (QAbstractAxis* a : c->axes()) {
-    c->removeAxis(a);
-    delete a;
-  }
   drawn_ = {};
   const bool log = type_ == Type::kLogLin;
 
@@ -118,27 +130,20 @@ void ChartWidget::draw() {
     if (!run.isEmpty()) runs[s].append(std::move(run));
   }
 
-  auto* xAxis = new QValueAxis;
-  ScaleLinear(xAxis, xs);
-  QAbstractAxis* yAxis = nullptr;
+  // Both vertical axes stay in the chart (a removed axis leaves its labels behind); the one
+  // the type does not use is hidden.
+  QAbstractAxis* yAxis = log ? static_cast<QAbstractAxis*>(yLog_) : yLinear_;
+  yLinear_->setVisible(!log);
+  yLog_->setVisible(log);
+  ScaleLinear(xAxis_, xs);
   if (log) {
-    auto* a = new QLogValueAxis;
-    a->setBase(10);
-    a->setLabelFormat("%g");
-    a->setMinorTickCount(8);
-    a->setMinorGridLineVisible(grid_);
-    ScaleLog(a, ys);
-    yAxis = a;
+    ScaleLog(yLog_, ys);
+    yLog_->setMinorGridLineVisible(grid_);
   } else {
-    auto* a = new QValueAxis;
-    ScaleLinear(a, ys);
-    yAxis = a;
+    ScaleLinear(yLinear_, ys);
   }
-  xAxis->setLabelFormat("%g");
-  xAxis->setGridLineVisible(grid_);
+  xAxis_->setGridLineVisible(grid_);
   yAxis->setGridLineVisible(grid_);
-  c->addAxis(xAxis, Qt::AlignBottom);
-  c->addAxis(yAxis, Qt::AlignLeft);
 
   for (int s = 0; s < sets_; ++s) {
     QPen pen(kSetColors[s]);
@@ -148,7 +153,7 @@ void ChartWidget::draw() {
       series->replace(run);
       series->setPen(pen);
       c->addSeries(series);
-      series->attachAxis(xAxis);
+      series->attachAxis(xAxis_);
       series->attachAxis(yAxis);
       drawn_[s].append(series);
     }

@@ -4,7 +4,9 @@
 #include <QChartView>
 #include <QLineSeries>
 #include <QList>
+#include <QLogValueAxis>
 #include <QPointF>
+#include <QValueAxis>
 #include <array>
 
 namespace merida {
@@ -39,6 +41,10 @@ class ChartWidget : public QChartView {
   // The line series last drawn for a data set (a log axis breaks the line at values <= 0).
   QList<QLineSeries*> drawnSeries(int set = 1) const;
 
+  // The axes the last draw used (the vertical one is logarithmic for the log/lin type).
+  QValueAxis* horizontalAxis() const { return xAxis_; }
+  QAbstractAxis* verticalAxis() const;
+
   // The exports of the context menu; false when the file could not be written.
   bool savePng(const QString& path);
   bool saveSvg(const QString& path);
@@ -58,6 +64,9 @@ class ChartWidget : public QChartView {
   int sets_ = 1;
   std::array<QList<QPointF>, 2> points_;
   std::array<QList<QLineSeries*>, 2> drawn_;
+  QValueAxis* xAxis_;
+  QValueAxis* yLinear_;
+  QLogValueAxis* yLog_;
 };
 
 }  // namespace merida

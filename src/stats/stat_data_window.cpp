@@ -44,6 +44,7 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
   Grid1->setEditTriggers(QAbstractItemView::NoEditTriggers);
   Grid1->setSelectionMode(QAbstractItemView::SingleSelection);
   Grid1->verticalHeader()->setDefaultSectionSize(22);
+  Grid1->horizontalHeader()->setDefaultSectionSize(72);
 
   auto* boxes = new QGridLayout;
   boxes->addWidget(Label1, 0, 0);
@@ -61,7 +62,7 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
   auto* layout = new QHBoxLayout(this);
   layout->addWidget(Grid1, 1);
   layout->addLayout(side);
-  resize(460, 360);
+  resize(560, 380);
 
   connect(Text1, &QLineEdit::returnPressed, this, [this] {
     Text1->setText(QString::fromStdString(data_->enterDimension(Text1->text().toStdString())));

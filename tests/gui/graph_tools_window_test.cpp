@@ -155,7 +155,7 @@ TEST_F(ToolWindowsTest, ChartScalesAConstantAndAnEmptySet) {
   ChartWidget chart;
   chart.setPoints(1, {QPointF(0, 3), QPointF(1, 3)});
   chart.draw();
-  auto* y = qobject_cast<QValueAxis*>(chart.chart()->axes(Qt::Vertical)[0]);
+  auto* y = qobject_cast<QValueAxis*>(chart.verticalAxis());
   ASSERT_NE(y, nullptr);
   EXPECT_LT(y->min(), 3);
   EXPECT_GT(y->max(), 3);

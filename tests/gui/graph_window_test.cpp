@@ -75,8 +75,7 @@ TEST_F(GraphWindowTest, GoDrawsTheFormulaOnALinearChart) {
     EXPECT_DOUBLE_EQ(p[i].y(), i * 0.5 * i * 0.5);
   }
   EXPECT_EQ(window->Graph1->graphType(), ChartWidget::Type::kLine);
-  ASSERT_EQ(window->Graph1->chart()->axes(Qt::Vertical).size(), 1);
-  auto* y = qobject_cast<QValueAxis*>(window->Graph1->chart()->axes(Qt::Vertical)[0]);
+  auto* y = qobject_cast<QValueAxis*>(window->Graph1->verticalAxis());
   ASSERT_NE(y, nullptr);
   EXPECT_LE(y->min(), 0);
   EXPECT_GE(y->max(), 4);
@@ -88,8 +87,10 @@ TEST_F(GraphWindowTest, LogReplotsOnALogarithmicAxisAndLeavesOutValuesBelowZero)
   plot(window->Command1, "x^3", "-2", "2", "4");
   QTest::mouseClick(window->Command3, Qt::LeftButton);
   EXPECT_EQ(window->Graph1->graphType(), ChartWidget::Type::kLogLin);
-  auto* y = qobject_cast<QLogValueAxis*>(window->Graph1->chart()->axes(Qt::Vertical)[0]);
+  auto* y = qobject_cast<QLogValueAxis*>(window->Graph1->verticalAxis());
   ASSERT_NE(y, nullptr);
+  EXPECT_TRUE(y->isVisible());
+  EXPECT_TRUE(window->Graph1->drawnSeries(1)[0]->attachedAxes().contains(y));
   QList<QPointF> p = drawn();
   ASSERT_EQ(p.size(), 2);  // x = 1 and 2; -8, -1 and 0 cannot be shown
   EXPECT_EQ(p[0], QPointF(1, 1));
@@ -101,6 +102,10 @@ TEST_F(GraphWindowTest, LogReplotsOnALogarithmicAxisAndLeavesOutValuesBelowZero)
   QTest::mouseClick(window->Command1, Qt::LeftButton);
   EXPECT_EQ(window->Graph1->graphType(), ChartWidget::Type::kLine);
   EXPECT_EQ(drawn().size(), 5);
+  EXPECT_FALSE(y->isVisible());
+  QAbstractAxis* linear = window->Graph1->verticalAxis();
+  EXPECT_TRUE(qobject_cast<QValueAxis*>(linear) && linear->isVisible());
+  EXPECT_TRUE(window->Graph1->drawnSeries(1)[0]->attachedAxes().contains(linear));
 }
 
 TEST_F(GraphWindowTest, PoleDrawsTheUnitCircle) {

@@ -159,6 +159,13 @@ TEST_F(ToolWindowsTest, ChartScalesAConstantAndAnEmptySet) {
   ASSERT_NE(y, nullptr);
   EXPECT_LT(y->min(), 3);
   EXPECT_GT(y->max(), 3);
+  // Points set one by one from index 1; those not set keep their earlier values.
+  chart.setPointCount(3);
+  chart.setPoint(1, 1, -1, 5);
+  chart.setPoint(1, 3, 2, 7);
+  chart.setPoint(1, 4, 9, 9);  // beyond the count: ignored
+  chart.draw();
+  EXPECT_EQ(chart.drawnSeries(1)[0]->points(), (QList<QPointF>{QPointF(-1, 5), QPointF(1, 3), QPointF(2, 7)}));
   chart.setPoints(1, {});
   chart.setGraphType(ChartWidget::Type::kLogLin);
   chart.draw();

@@ -2,6 +2,64 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="ja_JP" sourcelanguage="en">
 <context>
+    <name>merida::ChartWidget</name>
+    <message>
+        <source>Save Chart</source>
+        <translation>グラフの保存</translation>
+    </message>
+    <message>
+        <source>Save as PNG...</source>
+        <translation>PNGで保存...</translation>
+    </message>
+    <message>
+        <source>Save as SVG...</source>
+        <translation>SVGで保存...</translation>
+    </message>
+    <message>
+        <source>Save as CSV...</source>
+        <translation>CSVで保存...</translation>
+    </message>
+    <message>
+        <source>The file could not be written.</source>
+        <translation>ファイルに書き込めません。</translation>
+    </message>
+</context>
+<context>
+    <name>merida::ColorWindow</name>
+    <message>
+        <source>Color Situation</source>
+        <translation>色</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>色</translation>
+    </message>
+    <message>
+        <source>Green</source>
+        <translation>緑</translation>
+    </message>
+    <message>
+        <source>Red</source>
+        <translation>赤</translation>
+    </message>
+    <message>
+        <source>SkyBlue</source>
+        <translation>水色</translation>
+    </message>
+    <message>
+        <source>Yellow</source>
+        <translation>黄</translation>
+    </message>
+    <message>
+        <source>MultiColor</source>
+        <translation>多色</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
     <name>merida::ErrorWindow</name>
     <message>
         <source>Error Message</source>
@@ -37,6 +95,57 @@
     <message>
         <source>MERIDA.DAT could not be written.</source>
         <translation>MERIDA.DAT を書き込めませんでした。</translation>
+    </message>
+</context>
+<context>
+    <name>merida::GraphWindow</name>
+    <message>
+        <source>Graph</source>
+        <translation>グラフ</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Log</source>
+        <translation>Log</translation>
+    </message>
+    <message>
+        <source>Para</source>
+        <translation>媒介</translation>
+    </message>
+    <message>
+        <source>Pole</source>
+        <translation>極座</translation>
+    </message>
+    <message>
+        <source>Nega</source>
+        <translation>陰関</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>ﾃﾞｰﾀ</translation>
+    </message>
+    <message>
+        <source>Mini</source>
+        <translation>始点</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>終点</translation>
+    </message>
+    <message>
+        <source>Num</source>
+        <translation>分割数</translation>
     </message>
 </context>
 <context>
@@ -186,6 +295,37 @@
     </message>
 </context>
 <context>
+    <name>merida::NegativeFunctionWindow</name>
+    <message>
+        <source>Negative Function</source>
+        <translation>陰関数</translation>
+    </message>
+    <message>
+        <source>w Axis</source>
+        <translation>X軸</translation>
+    </message>
+    <message>
+        <source>x Axis</source>
+        <translation>Y軸</translation>
+    </message>
+    <message>
+        <source>Num</source>
+        <translation>分割</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+</context>
+<context>
     <name>merida::PadWindow</name>
     <message>
         <source>Edit</source>
@@ -206,6 +346,60 @@
     <message>
         <source>MR</source>
         <translation>MR</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
+    <name>merida::ParameterWindow</name>
+    <message>
+        <source>Parameter</source>
+        <translation>媒介変数</translation>
+    </message>
+    <message>
+        <source>w Axis</source>
+        <translation>X軸</translation>
+    </message>
+    <message>
+        <source>x Axis</source>
+        <translation>Y軸</translation>
+    </message>
+    <message>
+        <source>List</source>
+        <translation>一覧</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>ｸﾘｱ</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
+    <name>merida::StatDataWindow</name>
+    <message>
+        <source>Statistical Data</source>
+        <translation>データ</translation>
+    </message>
+    <message>
+        <source>Input</source>
+        <translation>係数入力</translation>
+    </message>
+    <message>
+        <source>Data Num</source>
+        <translation>ﾃﾞｰﾀ数</translation>
+    </message>
+    <message>
+        <source>Memory</source>
+        <translation>ﾒﾓﾘ</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>ﾌｧｲﾙ</translation>
     </message>
     <message>
         <source>Close</source>

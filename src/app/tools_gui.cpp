@@ -4,6 +4,9 @@
 #include <QPointer>
 #include <memory>
 
+#include "graph/graph_tools_gui.h"
+#include "graph/graph_window.h"
+#include "graph/parameter_window.h"
 #include "help/help_window.h"
 #include "main/function_list_window.h"
 #include "main/pad_window.h"
@@ -33,7 +36,23 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   MainWindow* m = &main;
   Engine* e = &engine;
   AppState* s = &state;
-  main.setToolOpener(3, Opener<FunctionListWindow>([=] { return new FunctionListWindow(*e, *s, *m, m); }));
+  // While a parametric graph is set up, a chosen function goes to the parameter window's active box.
+  auto graph = std::make_shared<QPointer<GraphWindow>>();
+  auto parameterTarget = [graph](const QString& line) {
+    if (!*graph) return false;
+    (*graph)->parameterWindow()->insertFunction(line);
+    return true;
+  };
+  auto openList = Opener<FunctionListWindow>([=] {
+    auto* list = new FunctionListWindow(*e, *s, *m, m);
+    list->setParameterTarget(parameterTarget);
+    return list;
+  });
+  main.setToolOpener(3, openList);
+  main.setToolOpener(2, [=] {
+    *graph = OpenGraphWindow(m, *e, *s, [m] { return m->formulaText(); });
+    (*graph)->parameterWindow()->setFunctionListOpener(openList);
+  });
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
 }
 

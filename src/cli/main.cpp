@@ -10,12 +10,14 @@ int RunCalc(Context&, const std::vector<std::string>&);
 int RunRec(Context&, const std::vector<std::string>&);
 int RunList(Context&, const std::vector<std::string>&);
 int RunDel(Context&, const std::vector<std::string>&);
+int RunGraph(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
     {"rec", "rec FORMULA", RunRec},
     {"list", "list", RunList},
     {"del", "del N", RunDel},
+    {"graph", "graph --min A --max B --num N [--polar] [--param F2] FORMULA", RunGraph},
 };
 }  // namespace merida::cli
 

@@ -1,0 +1,72 @@
+// The chart control: line and log/lin graphs of one or two data sets, saved as PNG, SVG or CSV.
+#pragma once
+
+#include <QChartView>
+#include <QLineSeries>
+#include <QList>
+#include <QLogValueAxis>
+#include <QPointF>
+#include <QValueAxis>
+#include <array>
+
+namespace merida {
+
+class ChartWidget : public QChartView {
+  Q_OBJECT
+
+ public:
+  enum class Type { kLine, kLogLin };  // log/lin: logarithmic vertical, linear horizontal axis
+
+  explicit ChartWidget(QWidget* parent = nullptr);
+
+  // Settings; none of them redraws until draw().
+  void setGraphType(Type type) { type_ = type; }
+  Type graphType() const { return type_; }
+  void setGridBothWays(bool on) { grid_ = on; }
+  bool gridBothWays() const { return grid_; }
+  void setDataSets(int count);  // 1 or 2
+  int dataSets() const { return sets_; }
+  void setThinLines(bool thin) { thin_ = thin; }
+
+  // The stored points: a count per set, values from index 1 (the first point).
+  void setPointCount(int count);
+  int pointCount(int set = 1) const;
+  void setPoint(int set, int index, double x, double y);
+  void setPoints(int set, QList<QPointF> points);
+  QList<QPointF> points(int set = 1) const;
+
+  // Redraws the whole graph from the stored points; both axes scale to the data.
+  void draw();
+
+  // The line series last drawn for a data set (a log axis breaks the line at values <= 0).
+  QList<QLineSeries*> drawnSeries(int set = 1) const;
+
+  // The axes the last draw used (the vertical one is logarithmic for the log/lin type).
+  QValueAxis* horizontalAxis() const { return xAxis_; }
+  QAbstractAxis* verticalAxis() const;
+
+  // The exports of the context menu; false when the file could not be written.
+  bool savePng(const QString& path);
+  bool saveSvg(const QString& path);
+  bool saveCsv(const QString& path) const;
+  // The stored points as CSV: "x,y" per line, or "x1,y1,x2,y2" with two data sets.
+  QString csvText() const;
+
+ protected:
+  void contextMenuEvent(QContextMenuEvent* event) override;
+
+ private:
+  void exportAs(const QString& suffix);
+
+  Type type_ = Type::kLine;
+  bool grid_ = true;
+  bool thin_ = false;
+  int sets_ = 1;
+  std::array<QList<QPointF>, 2> points_;
+  std::array<QList<QLineSeries*>, 2> drawn_;
+  QValueAxis* xAxis_;
+  QValueAxis* yLinear_;
+  QLogValueAxis* yLog_;
+};
+
+}  // namespace merida

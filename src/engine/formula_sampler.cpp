@@ -1,0 +1,107 @@
+// The compile-once, evaluate-per-point loop shared by the tool windows.
+#include "engine/formula_sampler.h"
+
+#include <cmath>
+#include <limits>
+
+#include "engine/number_text.h"
+
+namespace merida {
+
+PointStatus FormulaSampler::compile(std::string_view formulaBoxText, bool withSums) {
+  Engine& e = engine_;
+  auto ended = [&e] { return e.FaultFlag ? PointStatus::kFault : PointStatus::kError; };
+  variables_.clear();
+  hasSums_ = false;
+  e.BeginRun(1, TrimLeft(formulaBoxText));
+  e.SplitFormula();
+  if (e.ExpandIntegrals() < 0 || e.failed()) return ended();
+  if (withSums && (e.ExpandSigmas() < 0 || e.failed())) return ended();
+  e.ParseHeader();
+  if (e.failed()) return ended();
+  e.TokenizeBody();
+  if (e.failed()) return ended();
+  int16_t n = e.CompilePostfix(e.CurrentSlot);
+  if (n < 0 || e.failed()) return ended();
+  n = e.ComputeIntegrals(n);
+  if (n < 0 || e.failed()) return ended();
+  saved_ = e.SaveProgram(n);
+  if (e.HeaderText.empty()) {
+    e.CollectVariables();
+  } else {
+    e.CheckParameters();
+  }
+  if (e.failed()) return ended();
+  const FunctionHeader& header = e.FunctionTable[e.CurrentSlot];
+  for (int k = 1; k <= header.ParamCount; ++k) variables_.push_back(header.Param[k]);
+  hasSums_ = e.programHasSums(n);
+  if (hasSums_) {
+    sums_ = e.IntegralTable;
+    sumCount_ = e.IntegralCount;
+  }
+  return PointStatus::kOk;
+}
+
+void FormulaSampler::restoreSums() {
+  if (!hasSums_) return;
+  engine_.IntegralTable = sums_;
+  engine_.IntegralCount = sumCount_;
+}
+
+PointStatus FormulaSampler::status(double y) const {
+  if (engine_.FaultFlag) return PointStatus::kFault;
+  if (engine_.failed()) return PointStatus::kError;
+  // A non-finite value from finite operands is an overflow, whatever produced it.
+  if (!std::isfinite(y)) return PointStatus::kFault;
+  return PointStatus::kOk;
+}
+
+PointStatus FormulaSampler::at(double x, double& y) {
+  restoreSums();
+  y = engine_.EvaluateAt(saved_, x);
+  return status(y);
+}
+
+PointStatus FormulaSampler::atCells(const std::vector<std::pair<std::string, double>>& bindings,
+                                    double& y) {
+  Engine& e = engine_;
+  e.RestoreProgram(saved_);
+  for (const auto& [name, value] : bindings) e.BindVariableCells(name, value);
+  int16_t n = saved_.n;
+  if (hasSums_) {
+    restoreSums();
+    e.CurrentSlot += 1;
+    int16_t r = e.ComputeSigmas(n);
+    e.CurrentSlot -= 1;
+    if (r < 0 || e.failed()) {
+      y = 0;
+      return e.FaultFlag ? PointStatus::kFault : PointStatus::kError;
+    }
+    n = r;
+  }
+  y = e.EvaluateProgram(n);
+  return status(y);
+}
+
+void EndRunOnFault(Engine& engine) {
+  engine.BindToX = -1;
+  engine.StopRequested = 1;
+}
+
+bool StopRequestedAfterEvents(Engine& engine) {
+  engine.host().processEvents();
+  return engine.StopRequested == 1;
+}
+
+std::optional<int16_t> ReadCountBox(std::string_view text) {
+  std::optional<double> v = ReadNumber(text);
+  if (!v) return std::nullopt;
+  return ToInt16(*v);
+}
+
+std::optional<float> RecordValue(double v) {
+  if (!std::isfinite(v) || std::fabs(v) > std::numeric_limits<float>::max()) return std::nullopt;
+  return static_cast<float>(v);
+}
+
+}  // namespace merida

@@ -1,0 +1,66 @@
+// Compile once, keep the SavedProgram, evaluate point by point: the loop of every tool window.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "engine/engine.h"
+
+namespace merida {
+
+// How one point evaluation ended.
+enum class PointStatus {
+  kOk,
+  kError,  // the engine has shown the message and set ErrorFlag (or an input was cancelled)
+  kFault,  // an arithmetic fault: the run ends without a message
+};
+
+class FormulaSampler {
+ public:
+  explicit FormulaSampler(Engine& engine) : engine_(engine) {}
+
+  // The tool-window compile sequence on a formula box text (BindToX = 1): split, integrals,
+  // sums (unless `withSums` is false), header, tokens, postfix, integrals folded, variables
+  // collected or checked. kError/kFault when a step failed (the engine showed any message).
+  PointStatus compile(std::string_view formulaBoxText, bool withSums = true);
+
+  // The variables of the compiled formula, in order of first use (or as the header declares).
+  const std::vector<std::string>& variables() const { return variables_; }
+  const SavedProgram& program() const { return saved_; }
+
+  // f at x: the saved program put back, sums folded at x, evaluated at x.
+  PointStatus at(double x, double& y);
+
+  // f with each named variable replaced by a number cell (the two-variable tools).
+  PointStatus atCells(const std::vector<std::pair<std::string, double>>& bindings, double& y);
+
+ private:
+  PointStatus status(double y) const;
+  void restoreSums();
+
+  Engine& engine_;
+  SavedProgram saved_;
+  std::vector<std::string> variables_;
+  // Sums are folded at every point from the integral table, which the next compilation
+  // overwrites; a sampler keeps its own copy so two formulas can be sampled side by side.
+  bool hasSums_ = false;
+  std::array<IntegralEntry, kMaxIntegrals + 1> sums_;
+  int16_t sumCount_ = 0;
+};
+
+// The end of a tool run after an arithmetic fault: BindToX = -1, StopRequested = 1.
+void EndRunOnFault(Engine& engine);
+
+// Lets the user interface handle pending events; true when the user asked the run to stop.
+bool StopRequestedAfterEvents(Engine& engine);
+
+// A count typed in a box: numeric, rounded halves to even, and fitting 16 bits; else nullopt.
+std::optional<int16_t> ReadCountBox(std::string_view text);
+
+// A value as the record table stores it (32-bit); nullopt when it overflows single precision.
+std::optional<float> RecordValue(double v);
+
+}  // namespace merida

@@ -1,0 +1,219 @@
+// The Graph window.
+#include "graph/graph_window.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+#include "graph/negative_function_window.h"
+#include "graph/parameter_window.h"
+#include "stats/stat_data_window.h"
+
+namespace merida {
+namespace {
+
+QPushButton* Button(const char* name) {
+  auto* b = new QPushButton;
+  b->setObjectName(name);
+  return b;
+}
+
+QGroupBox* BoxFrame(const char* frameName, QLineEdit*& box, const char* boxName) {
+  auto* frame = new QGroupBox;
+  frame->setObjectName(frameName);
+  box = new QLineEdit;
+  box->setObjectName(boxName);
+  box->setMaximumWidth(110);
+  auto* layout = new QVBoxLayout(frame);
+  layout->setContentsMargins(6, 2, 6, 4);
+  layout->addWidget(box);
+  return frame;
+}
+
+ChartWidget::Type ChartTypeOf(ChartType t) {
+  return t == ChartType::kLogLin ? ChartWidget::Type::kLogLin : ChartWidget::Type::kLine;
+}
+
+}  // namespace
+
+GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
+    : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
+  setObjectName("GraphWindow");
+  Command1 = Button("Command1");
+  Command2 = Button("Command2");
+  Command3 = Button("Command3");
+  Command4 = Button("Command4");
+  Command5 = Button("Command5");
+  Command6 = Button("Command6");
+  Command7 = Button("Command7");
+  Command8 = Button("Command8");
+  Frame1 = BoxFrame("Frame1", Text1, "Text1");
+  Frame2 = BoxFrame("Frame2", Text2, "Text2");
+  Frame3 = BoxFrame("Frame3", Text3, "Text3");
+  Graph1 = new ChartWidget;
+  Graph1->setObjectName("Graph1");
+  Graph1->setMinimumSize(480, 360);
+
+  auto* side = new QVBoxLayout;
+  side->addWidget(Frame1);
+  side->addWidget(Frame2);
+  side->addWidget(Frame3);
+  side->addSpacing(8);
+  auto* buttons = new QGridLayout;
+  QPushButton* order[] = {Command1, Command5, Command3, Command4, Command6, Command8, Command7, Command2};
+  for (int k = 0; k < 8; ++k) buttons->addWidget(order[k], k / 2, k % 2);
+  side->addLayout(buttons);
+  side->addStretch(1);
+  auto* layout = new QHBoxLayout(this);
+  layout->addWidget(Graph1, 1);
+  layout->addLayout(side);
+  resize(760, 500);
+
+  connect(Command1, &QPushButton::clicked, this, &GraphWindow::go);
+  connect(Command2, &QPushButton::clicked, this, &GraphWindow::close);
+  connect(Command3, &QPushButton::clicked, this, &GraphWindow::log);
+  connect(Command4, &QPushButton::clicked, this, &GraphWindow::para);
+  connect(Command5, &QPushButton::clicked, this, &GraphWindow::pole);
+  connect(Command6, &QPushButton::clicked, this, [this] {
+    NegativeFunctionWindow* w = negativeFunctionWindow();
+    w->show();
+    w->raise();
+  });
+  connect(Command7, &QPushButton::clicked, this, [this] { printWindow(); });
+  connect(Command8, &QPushButton::clicked, this, [this] {
+    StatDataWindow* w = statDataWindow();
+    w->load();
+    w->show();
+    w->raise();
+  });
+
+  retranslate();
+  Graph1->setGraphType(ChartWidget::Type::kLine);
+  Graph1->setGridBothWays(true);
+  Graph1->setDataSets(1);
+  Graph1->draw();
+  prepare();
+}
+
+void GraphWindow::retranslate() {
+  setWindowTitle(tr("Graph"));
+  Command1->setText(tr("Go"));
+  Command2->setText(tr("Close"));
+  Command3->setText(tr("Log"));
+  Command4->setText(tr("Para"));
+  Command5->setText(tr("Pole"));
+  Command6->setText(tr("Nega"));
+  Command7->setText(tr("Print"));
+  Command8->setText(tr("Data"));
+  Frame1->setTitle(tr("Mini"));
+  Frame2->setTitle(tr("Max"));
+  Frame3->setTitle(tr("Num"));
+}
+
+void GraphWindow::prepare() {
+  if (isHidden()) {
+    Text1->clear();
+    Text2->clear();
+    state_.GraphMode = 1;
+    Graph1->setGraphType(ChartWidget::Type::kLine);
+    Graph1->setThinLines(false);
+    Graph1->setPoints(1, {});
+    Graph1->draw();
+  }
+  Text3->setText(QString::number(state_.DivisionCount));
+}
+
+ParameterWindow* GraphWindow::parameterWindow() {
+  if (!parameter_) parameter_ = new ParameterWindow(engine_, state_, this);
+  return parameter_;
+}
+
+NegativeFunctionWindow* GraphWindow::negativeFunctionWindow() {
+  if (!negative_) negative_ = new NegativeFunctionWindow(engine_, state_, formula_, this);
+  return negative_;
+}
+
+StatDataWindow* GraphWindow::statDataWindow() {
+  if (!data_) data_ = new StatDataWindow(engine_, state_, this);
+  return data_;
+}
+
+GraphBoxes GraphWindow::boxes() const {
+  return {Text1->text().toStdString(), Text2->text().toStdString(), Text3->text().toStdString()};
+}
+
+std::string GraphWindow::formulaText() const { return formula_ ? formula_().toStdString() : std::string(); }
+
+void GraphWindow::run(const std::function<PlotResult()>& plot) {
+  if (running_) return;  // the user interface stays live during a plot; one plot at a time
+  running_ = true;
+  PlotResult result = plot();
+  running_ = false;
+  display(result);
+}
+
+void GraphWindow::display(const PlotResult& r) {
+  if (r.divisionsBox) Text3->setText(QString::fromStdString(*r.divisionsBox));
+  Graph1->setGraphType(ChartTypeOf(r.chartType));
+  Graph1->setThinLines(r.thinLines);
+  Graph1->setDataSets(1);
+  // A plot that started shows exactly the points it computed; one that never started (formula
+  // error, unusable range, Log with nothing to replot) leaves the previous points to redraw.
+  if (r.pointCount > 0) {
+    QList<QPointF> points;
+    points.reserve(static_cast<qsizetype>(r.points.size()));
+    for (const ChartPoint& p : r.points) points.append(QPointF(p.x, p.y));
+    Graph1->setPoints(1, std::move(points));
+  }
+  Graph1->draw();
+}
+
+void GraphWindow::go() {
+  run([this] { return PlotGo(engine_, state_, formulaText(), boxes()); });
+}
+
+void GraphWindow::pole() {
+  run([this] { return PlotPole(engine_, state_, formulaText(), boxes()); });
+}
+
+void GraphWindow::log() {
+  run([this] {
+    std::string first, second;
+    if (parameter_) {
+      first = parameter_->firstFormula().toStdString();
+      second = parameter_->secondFormula().toStdString();
+    }
+    return PlotLog(engine_, state_, formulaText(), first, second, boxes());
+  });
+}
+
+void GraphWindow::para() {
+  if (running_) return;
+  ParameterWindow* w = parameterWindow();
+  w->show();
+  w->raise();
+  if (state_.GraphMode != 3) {
+    state_.GraphMode = 3;
+    w->startParametric(QString::fromStdString(formulaText()));
+    return;
+  }
+  run([this, w] {
+    return PlotPara(engine_, state_, w->firstFormula().toStdString(), w->secondFormula().toStdString(),
+                    boxes());
+  });
+}
+
+void GraphWindow::closeAll() {
+  state_.GraphMode = 0;
+  engine_.StopRequested = 1;
+  if (parameter_) parameter_->close();
+  if (negative_) negative_->close();
+}
+
+void GraphWindow::closeEvent(QCloseEvent* event) {
+  closeAll();
+  ToolWindow::closeEvent(event);
+}
+
+}  // namespace merida

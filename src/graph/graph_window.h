@@ -1,0 +1,66 @@
+// The Graph window: plots the main window's formula in normal, polar and parametric modes.
+#pragma once
+
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <functional>
+
+#include "controls/chart_widget.h"
+#include "graph/graph_plot.h"
+#include "main/tool_window.h"
+
+namespace merida {
+
+class NegativeFunctionWindow;
+class ParameterWindow;
+class StatDataWindow;
+
+class GraphWindow : public ToolWindow {
+  Q_OBJECT
+
+ public:
+  // `formula` reads the main window's formula box each time a plot starts.
+  GraphWindow(Engine& engine, AppState& state, std::function<QString()> formula,
+              QWidget* parent = nullptr);
+
+  void retranslate() override;
+  // What the main window's Graph button does after setting the defaults: a window that was
+  // closed starts afresh (empty range boxes), the divisions box shows DivisionCount.
+  void prepare();
+  // True while a plot runs inside a button handler.
+  bool plotting() const { return running_; }
+
+  ParameterWindow* parameterWindow();
+  NegativeFunctionWindow* negativeFunctionWindow();
+  StatDataWindow* statDataWindow();
+
+  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8;
+  QGroupBox *Frame1, *Frame2, *Frame3;
+  QLineEdit *Text1, *Text2, *Text3;
+  ChartWidget* Graph1;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void go();
+  void pole();
+  void log();
+  void para();
+  void closeAll();
+  GraphBoxes boxes() const;
+  std::string formulaText() const;
+  // Runs one plot (at most one at a time) and has the chart draw afterwards.
+  void run(const std::function<PlotResult()>& plot);
+  void display(const PlotResult& result);
+
+  std::function<QString()> formula_;
+  bool running_ = false;
+  QPointer<ParameterWindow> parameter_;
+  QPointer<NegativeFunctionWindow> negative_;
+  QPointer<StatDataWindow> data_;
+};
+
+}  // namespace merida

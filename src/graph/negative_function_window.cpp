@@ -1,0 +1,169 @@
+// The Negative Function window.
+#include "graph/negative_function_window.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+#include "engine/number_text.h"
+
+namespace merida {
+
+SegmentPicture::SegmentPicture(QWidget* parent) : QWidget(parent) {
+  setMinimumSize(360, 360);
+  setAutoFillBackground(true);
+  QPalette p = palette();
+  p.setColor(QPalette::Window, Qt::white);
+  setPalette(p);
+}
+
+void SegmentPicture::setCurve(std::vector<Segment> segments, double xMin, double xMax, double yMin,
+                              double yMax) {
+  segments_ = std::move(segments);
+  xMin_ = xMin;
+  xMax_ = xMax;
+  yMin_ = yMin;
+  yMax_ = yMax;
+  update();
+}
+
+void SegmentPicture::setPrintMode(bool on) {
+  print_ = on;
+  update();
+}
+
+void SegmentPicture::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const int margin = 28;
+  const QRectF area(margin, 8, width() - margin - 8, height() - margin - 8);
+  auto map = [&](double x, double y) {
+    return QPointF(area.left() + (x - xMin_) / (xMax_ - xMin_) * area.width(),
+                   area.bottom() - (y - yMin_) / (yMax_ - yMin_) * area.height());
+  };
+  painter.setPen(QPen(Qt::black, 1));
+  painter.drawRect(area);
+
+  if (!print_) {
+    painter.setPen(QPen(QColor(160, 160, 160), 1, Qt::DashLine));
+    if (xMin_ < 0 && xMax_ > 0) painter.drawLine(map(0, yMin_), map(0, yMax_));
+    if (yMin_ < 0 && yMax_ > 0) painter.drawLine(map(xMin_, 0), map(xMax_, 0));
+  }
+  painter.setPen(Qt::black);
+  auto label = [](double v) { return QString::fromStdString(PlainText(Round15(v))); };
+  const QFontMetrics fm = painter.fontMetrics();
+  painter.drawText(QPointF(area.left(), area.bottom() + fm.height()), label(xMin_));
+  QString xMax = label(xMax_);
+  painter.drawText(QPointF(area.right() - fm.horizontalAdvance(xMax), area.bottom() + fm.height()), xMax);
+  painter.save();
+  painter.translate(area.left() - 6, area.bottom());
+  painter.rotate(-90);
+  painter.drawText(QPointF(0, 0), label(yMin_));
+  QString yMax = label(yMax_);
+  painter.drawText(QPointF(area.height() - fm.horizontalAdvance(yMax), 0), yMax);
+  painter.restore();
+
+  painter.setClipRect(area);
+  painter.setPen(print_ ? QPen(Qt::black, 2) : QPen(QColor(0, 0, 255), 1.5));
+  for (const Segment& s : segments_) painter.drawLine(map(s.x1, s.y1), map(s.x2, s.y2));
+}
+
+namespace {
+
+QLineEdit* Box(const char* name, const char* text) {
+  auto* box = new QLineEdit(text);
+  box->setObjectName(name);
+  box->setMaximumWidth(90);
+  return box;
+}
+
+QGroupBox* AxisFrame(const char* name, QLineEdit* min, QLineEdit* max, QLabel* numLabel, QLineEdit* num) {
+  auto* frame = new QGroupBox;
+  frame->setObjectName(name);
+  auto* grid = new QGridLayout(frame);
+  grid->addWidget(min, 0, 0);
+  grid->addWidget(new QLabel(QStringLiteral("～")), 0, 1);
+  grid->addWidget(max, 0, 2);
+  grid->addWidget(numLabel, 1, 0, Qt::AlignRight);
+  grid->addWidget(num, 1, 2);
+  return frame;
+}
+
+}  // namespace
+
+NegativeFunctionWindow::NegativeFunctionWindow(Engine& engine, AppState& state,
+                                               std::function<QString()> formula, QWidget* parent)
+    : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
+  setObjectName("NegativeFunctionWindow");
+  Picture1 = new SegmentPicture;
+  Picture1->setObjectName("Picture1");
+  Text1 = Box("Text1", "-5");
+  Text2 = Box("Text2", "5");
+  Text3 = Box("Text3", "50");
+  Text4 = Box("Text4", "-5");
+  Text5 = Box("Text5", "5");
+  Text6 = Box("Text6", "50");
+  Label3 = new QLabel;
+  Label3->setObjectName("Label3");
+  Label6 = new QLabel;
+  Label6->setObjectName("Label6");
+  Frame1 = AxisFrame("Frame1", Text1, Text2, Label3, Text3);
+  Frame2 = AxisFrame("Frame2", Text4, Text5, Label6, Text6);
+  Command1 = new QPushButton;
+  Command1->setObjectName("Command1");
+  Command2 = new QPushButton;
+  Command2->setObjectName("Command2");
+  Command3 = new QPushButton;
+  Command3->setObjectName("Command3");
+  Check1 = new QCheckBox;
+  Check1->setObjectName("Check1");
+
+  auto* side = new QVBoxLayout;
+  side->addWidget(Frame1);
+  side->addWidget(Frame2);
+  side->addWidget(Check1);
+  side->addStretch(1);
+  side->addWidget(Command1);
+  side->addWidget(Command3);
+  side->addWidget(Command2);
+  auto* layout = new QHBoxLayout(this);
+  layout->addWidget(Picture1, 1);
+  layout->addLayout(side);
+
+  connect(Command1, &QPushButton::clicked, this, &NegativeFunctionWindow::plot);
+  connect(Command2, &QPushButton::clicked, this, &QWidget::close);
+  connect(Command3, &QPushButton::clicked, this, [this] { printWindow(); });
+  connect(Check1, &QCheckBox::toggled, Picture1, &SegmentPicture::setPrintMode);
+  retranslate();
+}
+
+void NegativeFunctionWindow::retranslate() {
+  setWindowTitle(tr("Negative Function"));
+  Frame1->setTitle(tr("w Axis"));
+  Frame2->setTitle(tr("x Axis"));
+  Label3->setText(tr("Num"));
+  Label6->setText(tr("Num"));
+  Command1->setText(tr("Go"));
+  Command2->setText(tr("Close"));
+  Command3->setText(tr("Print"));
+  Check1->setText(tr("Print"));
+}
+
+void NegativeFunctionWindow::plot() {
+  if (running_) return;
+  running_ = true;
+  GridBoxes boxes{Text1->text().toStdString(), Text2->text().toStdString(), Text3->text().toStdString(),
+                  Text4->text().toStdString(), Text5->text().toStdString(), Text6->text().toStdString()};
+  GridResult r = EvaluateGrid(engine_, formula_().toStdString(), boxes);
+  if (r.xDivisionsBox) Text3->setText(QString::fromStdString(*r.xDivisionsBox));
+  if (r.yDivisionsBox) Text6->setText(QString::fromStdString(*r.yDivisionsBox));
+  if (r.end == GridEnd::kCompleted) {
+    const ContourGrid& g = r.grid;
+    std::vector<Segment> curve = TraceLevel(g, 0, &engine_);
+    Picture1->setCurve(std::move(curve), g.xMin, g.xMax, g.yMin, g.yMax);
+  }
+  running_ = false;
+}
+
+}  // namespace merida

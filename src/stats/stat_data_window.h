@@ -1,0 +1,39 @@
+// The Statistical Data window: typing up to three columns of values, Memory and File.
+#pragma once
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableWidget>
+#include <memory>
+
+#include "main/tool_window.h"
+#include "stats/stat_data.h"
+
+namespace merida {
+
+class StatDataWindow : public ToolWindow {
+  Q_OBJECT
+
+ public:
+  StatDataWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
+
+  void retranslate() override;
+  // Opening: the grid from the record function table (or one empty column of five rows).
+  void load();
+  const StatData& data() const { return *data_; }
+
+  QLabel *Label1, *Label2, *Label3;
+  QLineEdit *Text1, *Text2, *Text3;
+  QTableWidget* Grid1;
+  QPushButton *Command1, *Command2, *Command3;
+
+ private:
+  void rebuildGrid();
+  void showCell(int i, int j);
+  void followCurrentCell();
+
+  std::unique_ptr<StatData> data_;
+};
+
+}  // namespace merida

@@ -76,15 +76,19 @@ std::vector<std::string> FactorLines(std::string_view boxText) {
 
 std::string CountLine(int64_t count) { return IntegerText(count) + " 個ある"; }
 
-PrimeSieve::PrimeSieve(int32_t limit) : limit_(limit) {
-  if (limit_ < 2) return;
+PrimeSieve::PrimeSieve(int32_t limit, int32_t from) : limit_(limit), next_(std::max<int64_t>(from, 2)) {
+  if (next_ > 2 && next_ % 2 == 0) ++next_;
+  if (next_ > limit_) return;
   const auto root = static_cast<int32_t>(std::sqrt(static_cast<double>(limit_)));
   std::vector<uint8_t> composite(static_cast<size_t>(root) + 1, 0);
   for (int32_t p = 3; p <= root; p += 2) {
     if (composite[static_cast<size_t>(p)]) continue;
     if (static_cast<int64_t>(p) * p > limit_) break;
     basePrimes_.push_back(p);
-    nextMultiple_.push_back(static_cast<int64_t>(p) * p);
+    // The first odd multiple of p that is at least p * p and not below the start.
+    int64_t first = std::max<int64_t>(static_cast<int64_t>(p) * p, (next_ + p - 1) / p * p);
+    if (first % 2 == 0) first += p;
+    nextMultiple_.push_back(first);
     for (int64_t m = static_cast<int64_t>(p) * p; m <= root; m += 2 * p) composite[static_cast<size_t>(m)] = 1;
   }
   segment_.resize(static_cast<size_t>(kSegmentOdds));

@@ -37,7 +37,8 @@ std::string CountLine(int64_t count);
 // so that a listing to 2^31 - 1 never holds more than a segment.
 class PrimeSieve {
  public:
-  explicit PrimeSieve(int32_t limit);
+  // Primes from `from` (at least 2) up to `limit`.
+  explicit PrimeSieve(int32_t limit, int32_t from = 2);
   // Replaces `out` with the next primes (2 comes first); false once every prime was given.
   bool next(std::vector<int32_t>& out);
   bool done() const { return next_ > limit_; }
@@ -55,7 +56,7 @@ class PrimeSieve {
 class PrimeStore {
  public:
   void clear();
-  // Appends primes in increasing order (2 may come first).
+  // Appends the next consecutive primes of a listing (2 may come first).
   void append(const std::vector<int32_t>& primes);
   size_t size() const { return (hasTwo_ ? 1 : 0) + oddCount_; }
   // The i-th prime, 0-based; i < size().

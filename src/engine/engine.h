@@ -68,6 +68,7 @@ class Program {
 
  private:
   friend class Engine;
+  friend struct Evaluator;
   std::array<ProgramCell, kMaxTokens + 1> cells_;
   uint64_t identity_ = 0;
 };
@@ -176,7 +177,9 @@ class Engine {
   void Touch() { Program.identity_ = ++identityCounter_; }
   void SetCell(int i, std::string text, int16_t kind, int16_t precedence);
   double CallUserFunction(int slot, const double* args, int count);
+  bool BuildCallCode(int slot);
   void InvalidateCallCache();
+  CompiledCode& CodeAtDepth();
 
   EngineHost* host_;
   std::string currentMessage_;
@@ -185,6 +188,10 @@ class Engine {
   std::vector<std::unique_ptr<CompiledCode>> code_;  // one per evaluation depth
   std::vector<std::unique_ptr<CompiledCode>> callCache_;  // compiled bodies by slot
   uint64_t randomState_ = 0x9E3779B97F4A7C15ull;
+  uint64_t functionsVersion_ = 0;  // changes whenever functions are registered or deleted
+  uint64_t sumsCheckedIdentity_ = ~uint64_t{0};
+  bool savedHasSums_ = false;
+  bool muted_ = false;  // trial compilations show no messages
 
  public:
   // Built-in functions need the generator; exposed for them only.

@@ -1,24 +1,73 @@
-// Temporary working directories for tests that touch files.
+// Shared test helpers.
 #include "test_support.h"
 
-#include <cstdlib>
-#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <random>
+#include <sstream>
 
 namespace merida::test {
 
-void TempDir::SetUp() {
+void TempDirTest::SetUp() {
   previous_ = std::filesystem::current_path();
-  std::string pattern = (std::filesystem::temp_directory_path() / "merida-test-XXXXXX").string();
-  char* made = mkdtemp(pattern.data());
-  ASSERT_NE(made, nullptr);
-  dir_ = made;
+  std::random_device rd;
+  dir_ = std::filesystem::temp_directory_path() / ("merida-test-" + std::to_string(::getpid()) + "-" + std::to_string(rd()));
+  std::filesystem::create_directories(dir_);
   std::filesystem::current_path(dir_);
 }
 
-void TempDir::TearDown() {
+void TempDirTest::TearDown() {
   std::filesystem::current_path(previous_);
   std::error_code ec;
   std::filesystem::remove_all(dir_, ec);
+}
+
+std::optional<std::string> RecordingHost::askValue(const std::string& prompt) {
+  prompts.push_back(prompt);
+  if (answers.empty()) return std::string("0");
+  auto a = answers.front();
+  answers.pop_front();
+  return a;
+}
+
+namespace {
+std::string Slurp(const std::filesystem::path& p) {
+  std::ifstream in(p, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+std::string Quote(const std::string& s) {
+  std::string q = "'";
+  for (char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+}  // namespace
+
+CliResult RunCli(const std::vector<std::string>& args, const std::string& input) {
+#ifdef MERIDA_CLI
+  auto base = std::filesystem::temp_directory_path() / ("merida-cli-" + std::to_string(::getpid()));
+  std::string in = base.string() + ".in", out = base.string() + ".out", err = base.string() + ".err";
+  std::ofstream(in, std::ios::binary) << input;
+  std::string cmd = Quote(MERIDA_CLI);
+  for (const auto& a : args) cmd += " " + Quote(a);
+  cmd += " <" + Quote(in) + " >" + Quote(out) + " 2>" + Quote(err);
+  int raw = std::system(cmd.c_str());
+  CliResult r;
+  r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+  r.out = Slurp(out);
+  r.err = Slurp(err);
+  std::filesystem::remove(in);
+  std::filesystem::remove(out);
+  std::filesystem::remove(err);
+  return r;
+#else
+  (void)args;
+  (void)input;
+  return {};
+#endif
 }
 
 }  // namespace merida::test

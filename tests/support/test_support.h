@@ -1,22 +1,46 @@
-// Helpers shared by the test programs.
+// Shared test helpers: a temporary working directory and a host that records what it is shown.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <deque>
 #include <filesystem>
+#include <string>
+#include <vector>
+
+#include "engine/host.h"
 
 namespace merida::test {
 
-// Runs each test in a fresh temporary directory (ctest runs tests in parallel) and goes back after.
-class TempDir : public ::testing::Test {
+// Runs each test in a fresh temporary directory (the program's files live in the current one).
+class TempDirTest : public ::testing::Test {
  protected:
   void SetUp() override;
   void TearDown() override;
-  const std::filesystem::path& dir() const { return dir_; }
-
- private:
   std::filesystem::path dir_;
   std::filesystem::path previous_;
 };
+
+// Answers input boxes from a queue (nullopt entries cancel) and records errors and faults.
+class RecordingHost : public EngineHost {
+ public:
+  std::deque<std::optional<std::string>> answers;
+  std::vector<std::string> prompts;
+  std::vector<int> errors;
+  std::vector<std::string> faults;
+  int eventsProcessed = 0;
+
+  std::optional<std::string> askValue(const std::string& prompt) override;
+  void showError(int code, const std::string&) override { errors.push_back(code); }
+  void showFault(const std::string& description) override { faults.push_back(description); }
+  void processEvents() override { ++eventsProcessed; }
+};
+
+// Runs merida-cli with arguments and standard input; captures output and exit status.
+struct CliResult {
+  int status = -1;
+  std::string out, err;
+};
+CliResult RunCli(const std::vector<std::string>& args, const std::string& input = "");
 
 }  // namespace merida::test

@@ -1,0 +1,53 @@
+// merida-cli: the engine and the tools' logic from the command line.
+#include <cstring>
+#include <iostream>
+
+#include "cli/cli.h"
+#include "main/settings.h"
+
+namespace merida::cli {
+int RunCalc(Context&, const std::vector<std::string>&);
+int RunRec(Context&, const std::vector<std::string>&);
+int RunList(Context&, const std::vector<std::string>&);
+int RunDel(Context&, const std::vector<std::string>&);
+
+constexpr CommandEntry kCommands[] = {
+    {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
+    {"rec", "rec FORMULA", RunRec},
+    {"list", "list", RunList},
+    {"del", "del N", RunDel},
+};
+}  // namespace merida::cli
+
+int main(int argc, char** argv) {
+  using namespace merida;
+  using namespace merida::cli;
+  std::ios::sync_with_stdio(false);
+  if (argc < 2) {
+    std::cerr << "usage: merida-cli COMMAND [ARGS]\ncommands:\n";
+    for (const auto& c : kCommands) std::cerr << "  merida-cli " << c.usage << '\n';
+    return kUsage;
+  }
+  const CommandEntry* command = nullptr;
+  for (const auto& c : kCommands) {
+    if (std::strcmp(c.name, argv[1]) == 0) command = &c;
+  }
+  if (!command) {
+    std::cerr << "merida-cli: unknown command '" << argv[1] << "'\n";
+    return kUsage;
+  }
+  CliHost host;
+  Engine engine(host);
+  AppState state;
+  std::error_code ec;
+  std::filesystem::path dir = std::filesystem::current_path(ec);
+  if (ec) dir = ".";
+  state.DisplayLanguage = ReadDisplayLanguage(dir, kEnglish);
+  LoadUserFunctions(engine, dir);
+  host.sawError = false;  // a bad store line was reported; it does not fail the command
+  Context ctx{engine, state, host, dir};
+  std::vector<std::string> args(argv + 2, argv + argc);
+  int status = command->run(ctx, args);
+  std::cout.flush();
+  return status;
+}

@@ -1,0 +1,568 @@
+// Evaluation: operand rules, the stack machine, user-function calls, constant texts.
+#include "engine/evaluator.h"
+
+#include <chrono>
+#include <cmath>
+
+#include "engine/number_text.h"
+
+namespace merida {
+namespace {
+
+constexpr double kPiValue = 3.14159265358979;
+constexpr double kEValue = 2.71828182845905;
+constexpr int kMaxCallDepth = 64;  // bodies may only call earlier functions; deletions can break that
+
+int StackEffectTake(const Instr& in) {
+  switch (in.op) {
+    case Op::kConst: case Op::kVar: case Op::kLinked: case Op::kParam: case Op::kFaultConst: case Op::kError:
+      return 0;
+    case Op::kAdd: case Op::kSub: case Op::kMul: case Op::kDiv: case Op::kPow: case Op::kBinary:
+      return 2;
+    case Op::kCall:
+      return in.count;
+    default:
+      return 1;
+  }
+}
+
+bool IsPush(Op op) {
+  return op == Op::kConst || op == Op::kVar || op == Op::kLinked || op == Op::kParam;
+}
+
+// Folds a constant operand into the operation that uses it.
+void Fuse(std::vector<Instr>& code) {
+  Instr op = code.back();
+  size_t size = code.size();
+  if (size < 2) return;
+  Instr& prev = code[size - 2];
+  if (prev.op != Op::kConst) {
+    // c X op with a commutative op: X op c gives the same bits.
+    if (size >= 3 && code[size - 3].op == Op::kConst && IsPush(prev.op) &&
+        (op.op == Op::kAdd || op.op == Op::kMul)) {
+      double c = code[size - 3].value;
+      code[size - 3] = prev;
+      code[size - 2] = Instr{op.op == Op::kAdd ? Op::kAddC : Op::kMulC, Builtin::kNone, 0, 0, c};
+      code.pop_back();
+    }
+    return;
+  }
+  double c = prev.value;
+  Op fused;
+  switch (op.op) {
+    case Op::kAdd: fused = Op::kAddC; break;
+    case Op::kSub: fused = Op::kSubC; break;
+    case Op::kMul: fused = Op::kMulC; break;
+    case Op::kDiv:
+      if (c == 0) return;  // keep the error at its place
+      fused = Op::kDivC;
+      break;
+    case Op::kPow:
+      if (c != std::floor(c) || std::fabs(c) > 32767) return;
+      fused = Op::kPowInt;
+      break;
+    default: return;
+  }
+  prev = Instr{fused, Builtin::kNone, static_cast<int16_t>(fused == Op::kPowInt ? c : 0), 0, c};
+  code.pop_back();
+}
+
+uint64_t SplitMix(uint64_t& s) {
+  uint64_t z = (s += 0x9E3779B97F4A7C15ull);
+  z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+  z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+  return z ^ (z >> 31);
+}
+
+}  // namespace
+
+// Builds and runs compiled code; a friend of Engine.
+struct Evaluator {
+  Engine& e;
+
+  // Turns the program cells 1..n into flat code. `params` (may be null) marks a user
+  // function's parameters, which become kParam cells.
+  void Build(CompiledCode& c, int16_t n, const FunctionHeader* params) {
+    c.identity = e.Program.identity_;
+    c.n = n;
+    c.functionsVersion = e.functionsVersion_;
+    c.code.clear();
+    c.vars.clear();
+    std::vector<Instr>& code = c.code;
+    int depth = 0;
+    bool broken = false;
+    for (int i = 1; i <= n; ++i) {
+      const ProgramCell& cell = e.Program.cells_[i];
+      const std::string& t = cell.Value;
+      Instr in{Op::kError};
+      if (cell.Kind == kParenKind || cell.Kind == kCommaKind) continue;
+      if (cell.Kind == kOperandKind) {
+        int param = 0;
+        if (params) {
+          for (int j = 1; j <= params->ParamCount && !param; ++j) {
+            if (params->Param[j] == t) param = j;
+          }
+        }
+        if (param) {
+          in = Instr{Op::kParam, Builtin::kNone, static_cast<int16_t>(param - 1)};
+        } else if (t == "PI") {
+          in = Instr{Op::kConst, Builtin::kNone, 0, 0, kPiValue};
+        } else if (t == "E") {
+          in = Instr{Op::kConst, Builtin::kNone, 0, 0, kEValue};
+        } else if (auto v = ReadNumber(t)) {
+          in = std::isfinite(*v) ? Instr{Op::kConst, Builtin::kNone, 0, 0, *v} : Instr{Op::kFaultConst};
+        } else {
+          int16_t slot = -1;
+          for (size_t k = 0; k < c.vars.size(); ++k) {
+            if (c.vars[k].name == t) slot = static_cast<int16_t>(k);
+          }
+          if (slot >= 0) {
+            in = Instr{Op::kLinked, Builtin::kNone, slot};
+          } else {
+            c.vars.push_back(VariableSlot{t, ReadLenient(t)});
+            in = Instr{Op::kVar, Builtin::kNone, static_cast<int16_t>(c.vars.size() - 1)};
+          }
+        }
+      } else if (cell.Kind == kUnaryKind || cell.Kind == kBinaryKind) {
+        Builtin fn = LookupBuiltin(t);
+        switch (fn) {
+          case Builtin::kNone: in = Instr{Op::kError, fn, 4}; break;
+          case Builtin::kRandom: in = Instr{Op::kRandom, fn}; break;
+          case Builtin::kAdd: in = Instr{Op::kAdd, fn}; break;
+          case Builtin::kSub: in = Instr{Op::kSub, fn}; break;
+          case Builtin::kMul: in = Instr{Op::kMul, fn}; break;
+          case Builtin::kDiv: in = Instr{Op::kDiv, fn}; break;
+          case Builtin::kPow: in = Instr{Op::kPow, fn}; break;
+          default: in = Instr{cell.Kind == kUnaryKind ? Op::kUnary : Op::kBinary, fn}; break;
+        }
+        // A name's kind decides how many values it takes, whatever the name.
+        if (in.op == Op::kError) in.count = static_cast<int16_t>(cell.Kind == kBinaryKind ? 2 : 1);
+      } else {
+        int16_t slot = 0;
+        for (int s = 1; s < e.CurrentSlot && !slot; ++s) {
+          if (e.FunctionTable[s].Name == t) slot = static_cast<int16_t>(s);
+        }
+        in = slot ? Instr{Op::kCall, Builtin::kNone, slot, static_cast<int16_t>(cell.Kind - 4)}
+                  : Instr{Op::kError, Builtin::kNone, 4, static_cast<int16_t>(cell.Kind - 4)};
+      }
+      int take = in.op == Op::kError ? in.count : StackEffectTake(in);
+      if (depth < take) broken = true;
+      depth += 1 - take;
+      code.push_back(in);
+      Fuse(code);
+    }
+    if (broken || depth != 1) {
+      code.assign(1, Instr{Op::kError, Builtin::kNone, 22});
+    }
+    c.varValue.assign(c.vars.size(), 0.0);
+    c.varBound.assign(c.vars.size(), 0);
+  }
+
+  // The value of a first variable cell, by the operand rules 4 to 7.
+  bool Bind(CompiledCode& c, int k, double last, double& out) {
+    if (e.BindToX == 1 || e.IntegralBinding == 1) {
+      out = e.XValue;
+      c.varBound[k] = 1;
+    } else if (e.StopRequested == 1) {
+      out = last;  // winding down: no input boxes, and the cell keeps its name
+    } else if (e.UnboundPolicy == 0 || e.UnboundPolicy == 1) {
+      out = e.UnboundPolicy;
+      c.varBound[k] = 1;
+    } else {
+      auto v = e.AskValue(c.vars[k].name);
+      if (!v) return false;
+      out = *v;
+      c.varBound[k] = 1;
+    }
+    c.varValue[k] = out;
+    return true;
+  }
+
+  bool Fault(const char* what) {
+    e.ReportFault(what);
+    return false;
+  }
+
+  double Run(CompiledCode& c, const double* args) {
+    double* sp = c.stack.data();  // sp points at the top value; stack[0] is never used
+    double last = 0;
+    std::fill(c.varBound.begin(), c.varBound.end(), 0);
+    for (const Instr& in : c.code) {
+      switch (in.op) {
+        case Op::kConst:
+          *++sp = last = in.value;
+          break;
+        case Op::kVar: {
+          double v;
+          if (!Bind(c, in.arg, last, v)) return 0;
+          *++sp = last = v;
+          break;
+        }
+        case Op::kLinked:
+          *++sp = last = c.varBound[in.arg] ? Round15(c.varValue[in.arg]) : c.vars[in.arg].unboundValue;
+          break;
+        case Op::kParam:
+          *++sp = last = Round15(args[in.arg]);
+          break;
+        case Op::kAdd: --sp; *sp = last = *sp + sp[1]; goto check;
+        case Op::kSub: --sp; *sp = last = *sp - sp[1]; goto check;
+        case Op::kMul: --sp; *sp = last = *sp * sp[1]; goto check;
+        case Op::kDiv:
+          --sp;
+          if (sp[1] == 0) return Error(11);
+          *sp = last = *sp / sp[1];
+          goto check;
+        case Op::kAddC: *sp = last = *sp + in.value; goto check;
+        case Op::kSubC: *sp = last = *sp - in.value; goto check;
+        case Op::kMulC: *sp = last = *sp * in.value; goto check;
+        case Op::kDivC: *sp = last = *sp / in.value; goto check;
+        case Op::kPowInt: {
+          double a = *sp;
+          int k = in.arg;
+          if (k == 0) { *sp = last = 1; break; }
+          if (a == 0) { *sp = last = 0; break; }
+          int m = k < 0 ? -k : k;
+          double r = 1;
+          for (int i = 0; i < m; ++i) r *= a;
+          if (k < 0) {
+            if (r == 0) {
+              Fault("Division by zero");
+              return 0;
+            }
+            r = 1 / r;
+          }
+          *sp = last = r;
+          goto check;
+        }
+        case Op::kPow: {
+          --sp;
+          Applied r = Power(*sp, sp[1]);
+          if (r.status) return Status(r);
+          *sp = last = r.value;
+          break;
+        }
+        case Op::kUnary: {
+          Applied r = ApplyBuiltin(in.fn, 0, *sp);
+          if (r.status) return Status(r);
+          *sp = last = r.value;
+          break;
+        }
+        case Op::kBinary: {
+          --sp;
+          Applied r = ApplyBuiltin(in.fn, *sp, sp[1]);
+          if (r.status) return Status(r);
+          *sp = last = r.value;
+          break;
+        }
+        case Op::kRandom:
+          *sp = last = e.NextRandom(*sp >= 0);
+          break;
+        case Op::kCall: {
+          sp -= in.count - 1;
+          double r = e.CallUserFunction(in.arg, sp, in.count);
+          if (e.failed()) return 0;
+          *sp = last = r;
+          break;
+        }
+        case Op::kError:
+          return Error(in.arg);
+        case Op::kFaultConst:
+          Fault("Overflow");
+          return 0;
+      }
+      continue;
+    check:
+      if (!std::isfinite(*sp)) {
+        Fault("Overflow");
+        return 0;
+      }
+    }
+    return *sp;
+  }
+
+  double Error(int code) {
+    e.Fail(code);
+    return 0;
+  }
+
+  double Status(const Applied& r) {
+    if (r.status == kFault) Fault(r.fault);
+    else e.Fail(r.status);
+    return 0;
+  }
+};
+
+CompiledCode& Engine::CodeAtDepth() {
+  while (code_.size() <= static_cast<size_t>(evalDepth_)) code_.push_back(std::make_unique<CompiledCode>());
+  return *code_[evalDepth_];
+}
+
+double Engine::EvaluateProgram(int16_t n) {
+  ErrorFlag = 0;
+  if (evalDepth_ >= kMaxCallDepth) {
+    Fail(10);
+    return 0;
+  }
+  CompiledCode& c = CodeAtDepth();
+  Evaluator ev{*this};
+  if (c.identity != Program.identity_ || c.n != n || c.functionsVersion != functionsVersion_) {
+    ev.Build(c, n, nullptr);
+  }
+  ++evalDepth_;
+  double r = ev.Run(c, nullptr);
+  --evalDepth_;
+  return r;
+}
+
+double Engine::EvaluateAt(const SavedProgram& saved, double x) {
+  RestoreProgram(saved);
+  int16_t n = saved.n;
+  XValue = x;
+  if (sumsCheckedIdentity_ != saved.program.identity_) {
+    sumsCheckedIdentity_ = saved.program.identity_;
+    savedHasSums_ = programHasSums(n);
+  }
+  if (savedHasSums_) {
+    CurrentSlot += 1;
+    n = ComputeSigmas(n);
+    CurrentSlot -= 1;
+    if (n < 0) {
+      ErrorFlag = 1;
+      return 0;
+    }
+    XValue = x;
+  }
+  return EvaluateProgram(n);
+}
+
+void Engine::ReportFault(const char* description) {
+  // Tool windows end a faulted run quietly; the main window and integrals say why once.
+  if (!FaultFlag && (BindToX != 1 || IntegralBinding == 1)) host_->showFault(description);
+  FaultFlag = true;
+}
+
+std::optional<double> Engine::AskValue(const std::string& name) {
+  auto reply = host_->askValue(name);
+  if (!reply) {
+    CancelFlag = true;
+    ErrorFlag = 1;
+    return std::nullopt;
+  }
+  if (auto v = ReadNumber(*reply)) {
+    if (!std::isfinite(*v)) {
+      ReportFault("Overflow");
+      return std::nullopt;
+    }
+    return *v;
+  }
+  double v = EvaluateConstantText(*reply);
+  if (failed()) return std::nullopt;
+  return v;
+}
+
+double Engine::NextRandom(bool reseed) {
+  if (reseed) {
+    auto now = std::chrono::high_resolution_clock::now().time_since_epoch().count();
+    randomState_ ^= static_cast<uint64_t>(now);
+  }
+  return static_cast<double>(SplitMix(randomState_) >> 11) * 0x1.0p-53;
+}
+
+void Engine::InvalidateCallCache() {
+  ++functionsVersion_;
+  callCache_.clear();
+}
+
+// Compiles slot's body once for calls; false when the body must take the step-by-step path
+// (it holds integrals or sums, whose entries the call must rebuild, or it does not compile).
+bool Engine::BuildCallCode(int slot) {
+  const TokenList& body = TokenTable[slot];
+  for (int i = 1; i <= body.Count; ++i) {
+    if (body.Text[i] == "integ" || body.Text[i] == "sgm") return false;
+  }
+  merida::Program savedProgram = Program;
+  TokenList savedTokens = TokenTable[CurrentSlot];
+  std::string savedBody = BodyText;
+  int16_t savedError = ErrorFlag;
+  muted_ = true;
+  BodyText = body.joined();
+  TokenizeBody();
+  int16_t n = ErrorFlag ? 0 : CompilePostfix(CurrentSlot);
+  bool ok = ErrorFlag == 0;
+  if (ok) {
+    if (callCache_.size() <= static_cast<size_t>(slot)) callCache_.resize(slot + 1);
+    callCache_[slot] = std::make_unique<CompiledCode>();
+    Evaluator{*this}.Build(*callCache_[slot], n, &FunctionTable[slot]);
+  }
+  muted_ = false;
+  Program = savedProgram;
+  TokenTable[CurrentSlot] = std::move(savedTokens);
+  BodyText = std::move(savedBody);
+  ErrorFlag = savedError;
+  return ok;
+}
+
+double Engine::CallUserFunction(int slot, const double* args, int count) {
+  if (evalDepth_ >= kMaxCallDepth) {
+    Fail(10);
+    return 0;
+  }
+  bool cached = static_cast<size_t>(slot) < callCache_.size() && callCache_[slot];
+  if (cached || BuildCallCode(slot)) {
+    CompiledCode& c = *callCache_[slot];
+    IntegralCount = 0;  // what expanding the body's (absent) integrals leaves
+    ErrorFlag = 0;
+    ++evalDepth_;
+    double r = Evaluator{*this}.Run(c, args);
+    --evalDepth_;
+    return r;
+  }
+
+  // Step by step: recompile the body, substitute the arguments, fold, evaluate.
+  const FunctionHeader& f = FunctionTable[slot];
+  merida::Program saved = Program;
+  auto fail = [&]() {
+    Program = saved;
+    ErrorFlag = 1;
+    return 0.0;
+  };
+  BodyText = TokenTable[slot].joined();
+  if (ExpandIntegrals() < 0 || ExpandSigmas() < 0) return fail();
+  TokenizeBody();
+  if (ErrorFlag) return fail();
+  int16_t n = CompilePostfix(CurrentSlot);
+  if (ErrorFlag) return fail();
+  for (int j = 1; j <= f.ParamCount && j <= count; ++j) {
+    std::string text = PlainText(args[j - 1]);
+    for (int i = 1; i <= n; ++i) {
+      if (Program.cells_[i].Value == f.Param[j]) Program.cells_[i].Value = text;
+    }
+    for (int k = 1; k <= IntegralCount; ++k) {
+      IntegralEntry& e = IntegralTable[k];
+      for (std::string* field : {&e.LowerText, &e.UpperText, &e.FourthText}) {
+        if (*field == f.Param[j]) *field = text;
+      }
+    }
+  }
+  Touch();
+  n = ComputeIntegrals(n);
+  if (n < 0) return fail();
+  CurrentSlot += 1;
+  n = ComputeSigmas(n);
+  CurrentSlot -= 1;
+  if (n < 0) return fail();
+  double r = EvaluateProgram(n);
+  bool bad = failed();
+  Program = saved;
+  if (bad) ErrorFlag = 1;
+  return r;
+}
+
+// ---- Constant texts: numbers, PI, E, + - * / ^ and parentheses ----
+
+double Engine::EvaluateConstantText(std::string_view text) {
+  struct Tok {
+    char op;  // 0 for a number
+    double value;
+  };
+  std::vector<Tok> tokens;
+  std::string s;
+  for (char ch : text) {
+    if (ch != ' ' && ch != '\t') s += ch;  // blanks separate nothing, as in a number text
+  }
+  if (!s.empty() && s[0] == '-') s.insert(0, 1, '0');
+  else if (!s.empty() && s[0] == '+') s.erase(0, 1);
+
+  auto isOp = [](char ch) { return ch == '+' || ch == '-' || ch == '*' || ch == '/' || ch == '^' || ch == '(' || ch == ')'; };
+  size_t i = 0;
+  while (i < s.size()) {
+    char ch = s[i];
+    if (isOp(ch)) {
+      // "(-x" means "(0-x"
+      if ((ch == '-' || ch == '+') && !tokens.empty() && tokens.back().op == '(') tokens.push_back({0, 0});
+      tokens.push_back({ch, 0});
+      ++i;
+      continue;
+    }
+    size_t j = i;
+    while (j < s.size() && !isOp(s[j])) {
+      // keep a signed exponent inside its number: 1E-5
+      if ((s[j] == 'E' || s[j] == 'e') && j + 1 < s.size() && (s[j + 1] == '-' || s[j + 1] == '+') && j > i &&
+          IsNumeric(std::string_view(s).substr(i, j - i))) {
+        j += 2;
+        continue;
+      }
+      ++j;
+    }
+    std::string_view word = std::string_view(s).substr(i, j - i);
+    double v = word == "PI" ? kPiValue : word == "E" ? kEValue : ReadLenient(word);
+    tokens.push_back({0, v});
+    i = j;
+  }
+  if (tokens.size() > static_cast<size_t>(kMaxTokens)) {
+    Fail(10);
+    return 0;
+  }
+  auto precedence = [](char op) { return op == '^' ? 1 : (op == '*' || op == '/') ? 2 : 3; };
+  std::vector<Tok> out, ops;
+  for (const Tok& t : tokens) {
+    if (t.op == 0) {
+      out.push_back(t);
+    } else if (t.op == '(') {
+      ops.push_back(t);
+    } else if (t.op == ')') {
+      while (!ops.empty() && ops.back().op != '(') out.push_back(ops.back()), ops.pop_back();
+      if (ops.empty()) {
+        Fail(23);
+        return 0;
+      }
+      ops.pop_back();
+    } else {
+      while (!ops.empty() && ops.back().op != '(' && precedence(ops.back().op) <= precedence(t.op)) {
+        out.push_back(ops.back()), ops.pop_back();
+      }
+      ops.push_back(t);
+    }
+  }
+  while (!ops.empty()) {
+    if (ops.back().op == '(') {
+      Fail(23);
+      return 0;
+    }
+    out.push_back(ops.back()), ops.pop_back();
+  }
+  if (out.empty()) return 0;  // an empty box reads as 0
+  std::vector<double> stack;
+  for (const Tok& t : out) {
+    if (t.op == 0) {
+      stack.push_back(t.value);
+      continue;
+    }
+    if (stack.size() < 2) {
+      Fail(22);
+      return 0;
+    }
+    double b = stack.back();
+    stack.pop_back();
+    double a = stack.back();
+    Builtin fn = t.op == '+' ? Builtin::kAdd : t.op == '-' ? Builtin::kSub : t.op == '*' ? Builtin::kMul
+                 : t.op == '/' ? Builtin::kDiv : Builtin::kPow;
+    Applied r = ApplyBuiltin(fn, a, b);
+    if (r.status == kFault) {
+      ReportFault(r.fault);
+      return 0;
+    }
+    if (r.status) {
+      Fail(r.status);
+      return 0;
+    }
+    stack.back() = r.value;
+  }
+  if (stack.size() != 1) {
+    Fail(22);
+    return 0;
+  }
+  return stack.back();
+}
+
+}  // namespace merida

@@ -1,0 +1,53 @@
+// The evaluator's flat form of a postfix program (internal to the engine).
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/builtins.h"
+#include "engine/engine.h"
+
+namespace merida {
+
+enum class Op : uint8_t {
+  kConst,    // push value
+  kVar,      // first cell of a free variable: bound by the operand rules
+  kLinked,   // a later cell of the same variable: reads the first cell's text back
+  kParam,    // a user function's parameter: the argument in 15 digits
+  kAdd, kSub, kMul, kDiv,
+  kAddC, kSubC, kMulC, kDivC,  // the top value with a constant right operand
+  kPow, kPowInt,               // kPowInt: a constant integral exponent in `arg`
+  kUnary, kBinary, kRandom,
+  kCall,     // user function: slot in `arg`, parameter count in `count`
+  kError,    // reaching this cell is error `arg`
+  kFaultConst,  // a literal beyond the range of a Double
+};
+
+struct Instr {
+  Op op;
+  Builtin fn = Builtin::kNone;
+  int16_t arg = 0;
+  int16_t count = 0;
+  double value = 0;
+};
+
+struct VariableSlot {
+  std::string name;
+  double unboundValue = 0;  // what a linked cell reads when the first cell kept its name
+};
+
+struct CompiledCode {
+  uint64_t identity = ~uint64_t{0};
+  int16_t n = -1;
+  uint64_t functionsVersion = 0;
+  std::vector<Instr> code;
+  std::vector<VariableSlot> vars;
+  // Run-time storage, sized once so that evaluating allocates nothing.
+  std::array<double, kMaxTokens + 2> stack{};
+  std::vector<double> varValue;
+  std::vector<uint8_t> varBound;
+};
+
+}  // namespace merida

@@ -1,0 +1,125 @@
+// User functions: registering, listing, deleting, and the store text.
+#include <algorithm>
+
+#include "engine/engine.h"
+#include "engine/number_text.h"
+
+namespace merida {
+
+void Engine::ReinsertIntegralArguments(int slot) {
+  TokenList& list = TokenTable[slot];
+  for (const char* name : {"integ", "sgm"}) {
+    for (int i = 1; i + 3 <= list.Count; ++i) {
+      if (list.Text[i] != name || list.Text[i + 1] != "(" || list.Text[i + 3] != ")") continue;
+      auto k = ToInt16(ReadLenient(list.Text[i + 2]));
+      if (!IsNumeric(list.Text[i + 2]) || !k || *k < 1 || *k > IntegralCount) continue;
+      const IntegralEntry& e = IntegralTable[*k];
+      list.Text[i + 2] = e.Integrand;
+      const std::string inserted[] = {",", e.LowerText, ",", e.UpperText, ",", e.FourthText};
+      auto at = static_cast<std::ptrdiff_t>(i + 3);
+      for (int j = 5; j >= 0; --j) {
+        bool comma = inserted[j] == ",";
+        list.Text.insert(list.Text.begin() + at, inserted[j]);
+        list.Kind.insert(list.Kind.begin() + at, comma ? kCommaKind : kOperandKind);
+        list.Precedence.insert(list.Precedence.begin() + at, comma ? 4 : 3);
+      }
+      list.Count = static_cast<int16_t>(list.Text.size() - 1);
+      i += 9;
+    }
+  }
+}
+
+bool Engine::RegisterFormula(std::string_view formulaBoxText) {
+  BeginRun(-1, formulaBoxText);
+  SplitFormula();
+  if (ExpandIntegrals() < 0 || failed()) return false;
+  if (ExpandSigmas() < 0 || failed()) return false;
+  ParseHeader();
+  if (failed()) return false;
+  ErrorFlag = 0;
+  TokenizeBody();
+  if (failed()) return false;
+  CompilePostfix(CurrentSlot);
+  if (failed()) return false;
+  if (!HeaderText.empty()) {
+    CheckParameters();
+  } else {
+    CollectVariables();
+    if (!failed() && FunctionTable[CurrentSlot].ParamCount > kMaxParameters) Fail(5);
+  }
+  if (failed()) return false;
+  ReinsertIntegralArguments(CurrentSlot);
+  if (CurrentSlot + 1 > kMaxWorkSlot) {
+    Fail(9);
+    return false;
+  }
+  CurrentSlot += 1;
+  InvalidateCallCache();
+  return true;
+}
+
+std::string Engine::FunctionListLine(int k) const {
+  if (k < 1 || k >= CurrentSlot) return {};
+  const FunctionHeader& f = FunctionTable[k];
+  std::string line = f.Name + "(";
+  for (int j = 1; j <= f.ParamCount; ++j) {
+    if (j > 1) line += ",";
+    line += f.Param[j];
+  }
+  return line + ")=" + TokenTable[k].joined();
+}
+
+bool Engine::DeleteFunction(int k) {
+  if (k < 1 || k >= CurrentSlot) return false;
+  for (int s = k; s + 1 < CurrentSlot; ++s) {
+    TokenTable[s] = std::move(TokenTable[s + 1]);
+    FunctionTable[s] = std::move(FunctionTable[s + 1]);
+  }
+  CurrentSlot -= 1;
+  TokenTable[CurrentSlot].clear();
+  FunctionTable[CurrentSlot] = FunctionHeader{};
+  InvalidateCallCache();
+  return true;
+}
+
+std::string Engine::StoreText() const {
+  std::string out;
+  for (int k = 1; k < CurrentSlot; ++k) {
+    std::string line = FunctionListLine(k);
+    std::replace(line.begin(), line.end(), ',', '@');  // the store never holds a comma
+    out += line + "\r\n";
+  }
+  return out;
+}
+
+void Engine::LoadStoreText(std::string_view text) {
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find('\n', pos);
+    if (end == std::string_view::npos) end = text.size();
+    std::string line(text.substr(pos, end - pos));
+    pos = end + 1;
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (Trim(line).empty()) continue;
+    if (CurrentSlot >= kMaxWorkSlot) {
+      Fail(9);  // the rest of the store cannot be registered
+      break;
+    }
+    std::replace(line.begin(), line.end(), '@', ',');
+    BeginRun(-1, line);
+    SplitFormula();
+    // Integrals and sums are lifted as Rec does, so a stored body that holds them can be called.
+    if (ExpandIntegrals() < 0 || failed() || ExpandSigmas() < 0 || failed()) continue;
+    ParseHeader();
+    if (failed()) continue;
+    TokenizeBody();
+    if (failed()) continue;
+    ReinsertIntegralArguments(CurrentSlot);
+    CurrentSlot += 1;
+  }
+  InvalidateCallCache();
+  ErrorFlag = 0;
+  BeginRun(-1, "");
+}
+
+}  // namespace merida

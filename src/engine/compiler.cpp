@@ -313,7 +313,9 @@ void Engine::TokenizeBody() {
         if (j == std::string::npos) j = body.size();
         std::string_view number = Trim(std::string_view(body).substr(i + 1, j - i - 1));
         if (IsNumeric(number) && number[0] != '+' && number[0] != '-') {
-          if (!emit(std::string(1, c) + std::string(number), kOperandKind, 3)) return;
+          std::string exponent(1, c);
+          exponent.append(number.data(), number.size());
+          if (!emit(std::move(exponent), kOperandKind, 3)) return;
           i = j - 1;
           s = j;
           continue;

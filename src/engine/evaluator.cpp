@@ -16,6 +16,7 @@ constexpr int kMaxCallDepth = 64;  // bodies may only call earlier functions; de
 int StackEffectTake(const Instr& in) {
   switch (in.op) {
     case Op::kConst: case Op::kVar: case Op::kLinked: case Op::kParam: case Op::kFaultConst: case Op::kError:
+    case Op::kPushR:
       return 0;
     case Op::kAdd: case Op::kSub: case Op::kMul: case Op::kDiv: case Op::kPow: case Op::kBinary:
       return 2;
@@ -26,27 +27,44 @@ int StackEffectTake(const Instr& in) {
   }
 }
 
-bool IsPush(Op op) {
-  return op == Op::kConst || op == Op::kVar || op == Op::kLinked || op == Op::kParam;
-}
-
-// Folds a constant operand into the operation that uses it.
-void Fuse(std::vector<Instr>& code) {
-  Instr op = code.back();
+// Folds constants and x into the operations that use them. Left-hand constants move only in
+// tool mode: elsewhere the value produced before a variable cell must stay what it was,
+// because a stopped run binds variables to it.
+void Fuse(std::vector<Instr>& code, bool toolMode) {
   size_t size = code.size();
   if (size < 2) return;
+  Instr op = code.back();
   Instr& prev = code[size - 2];
-  if (prev.op != Op::kConst) {
-    // c X op with a commutative op: X op c gives the same bits.
-    if (size >= 3 && code[size - 3].op == Op::kConst && IsPush(prev.op) &&
-        (op.op == Op::kAdd || op.op == Op::kMul)) {
-      double c = code[size - 3].value;
+  if (toolMode && size >= 3 && code[size - 3].op == Op::kConst && prev.op == Op::kPushR && op.op == Op::kMul) {
+    code[size - 3] = Instr{Op::kCMulR, Builtin::kNone, 0, prev.count, code[size - 3].value};
+    code.resize(size - 2);
+    return;
+  }
+  if (prev.op == Op::kPushR) {
+    Op fused;
+    switch (op.op) {
+      case Op::kAdd: fused = Op::kAddR; break;
+      case Op::kSub: fused = Op::kSubR; break;
+      case Op::kMul: fused = Op::kMulR; break;
+      case Op::kDiv: fused = Op::kDivR; break;
+      case Op::kPowInt: prev.op = Op::kRPowInt; prev.arg = op.arg; code.pop_back(); return;
+      default: return;
+    }
+    prev.op = fused;
+    code.pop_back();
+    return;
+  }
+  if (toolMode && size >= 3 && code[size - 3].op == Op::kConst && (op.op == Op::kMul || op.op == Op::kAdd)) {
+    // c V op with a commutative op gives the same bits as V op c.
+    double c = code[size - 3].value;
+    if (prev.op == Op::kRPowInt || prev.op == Op::kCMulR) {
       code[size - 3] = prev;
       code[size - 2] = Instr{op.op == Op::kAdd ? Op::kAddC : Op::kMulC, Builtin::kNone, 0, 0, c};
       code.pop_back();
+      return;
     }
-    return;
   }
+  if (prev.op != Op::kConst) return;
   double c = prev.value;
   Op fused;
   switch (op.op) {
@@ -65,6 +83,7 @@ void Fuse(std::vector<Instr>& code) {
   }
   prev = Instr{fused, Builtin::kNone, static_cast<int16_t>(fused == Op::kPowInt ? c : 0), 0, c};
   code.pop_back();
+  Fuse(code, toolMode);  // x 2 ^ becomes x^2 in one step
 }
 
 uint64_t SplitMix(uint64_t& s) {
@@ -82,10 +101,12 @@ struct Evaluator {
 
   // Turns the program cells 1..n into flat code. `params` (may be null) marks a user
   // function's parameters, which become kParam cells.
-  void Build(CompiledCode& c, int16_t n, const FunctionHeader* params) {
+  void Build(CompiledCode& c, int16_t n, const FunctionHeader* params, bool toolMode) {
     c.identity = e.Program.identity_;
     c.n = n;
     c.functionsVersion = e.functionsVersion_;
+    c.toolMode = toolMode;
+    c.usesRounded = false;
     c.code.clear();
     c.vars.clear();
     std::vector<Instr>& code = c.code;
@@ -116,7 +137,12 @@ struct Evaluator {
           for (size_t k = 0; k < c.vars.size(); ++k) {
             if (c.vars[k].name == t) slot = static_cast<int16_t>(k);
           }
-          if (slot >= 0) {
+          if (toolMode) {
+            // Every first cell takes x; later cells read x back from the first cell's text.
+            in = Instr{Op::kPushR, Builtin::kNone, 0, static_cast<int16_t>(slot >= 0 ? 1 : 0)};
+            c.usesRounded = c.usesRounded || slot >= 0;
+            if (slot < 0) c.vars.push_back(VariableSlot{t, 0});
+          } else if (slot >= 0) {
             in = Instr{Op::kLinked, Builtin::kNone, slot};
           } else {
             c.vars.push_back(VariableSlot{t, ReadLenient(t)});
@@ -149,13 +175,15 @@ struct Evaluator {
       if (depth < take) broken = true;
       depth += 1 - take;
       code.push_back(in);
-      Fuse(code);
+      Fuse(code, toolMode);
     }
     if (broken || depth != 1) {
       code.assign(1, Instr{Op::kError, Builtin::kNone, 22});
     }
-    c.varValue.assign(c.vars.size(), 0.0);
-    c.varBound.assign(c.vars.size(), 0);
+    // Tool-mode code binds through registers and needs no per-variable state.
+    size_t stateSize = toolMode ? 0 : c.vars.size();
+    c.varValue.assign(stateSize, 0.0);
+    c.varBound.assign(stateSize, 0);
   }
 
   // The value of a first variable cell, by the operand rules 4 to 7.
@@ -183,47 +211,75 @@ struct Evaluator {
     return false;
   }
 
-  double Run(CompiledCode& c, const double* args) {
-    double* sp = c.stack.data();  // sp points at the top value; stack[0] is never used
-    double last = 0;
-    std::fill(c.varBound.begin(), c.varBound.end(), 0);
+  // The stack machine. `top` holds the top value and is also the value last produced,
+  // which a stopped run gives its variables; below it, the stack grows upward from slot 1.
+  [[gnu::hot]] double Run(CompiledCode& c, const double* args) {
+    double* sp = c.stack.data();
+    double top = 0;
+    double reg[2] = {e.XValue, 0};
+    if (c.usesRounded) reg[1] = Round15(reg[0]);
+    if (!c.varBound.empty()) std::fill(c.varBound.begin(), c.varBound.end(), 0);
     for (const Instr& in : c.code) {
       switch (in.op) {
         case Op::kConst:
-          *++sp = last = in.value;
-          break;
+          *++sp = top;
+          top = in.value;
+          continue;
+        case Op::kPushR:
+          *++sp = top;
+          top = reg[in.count];
+          continue;
         case Op::kVar: {
           double v;
-          if (!Bind(c, in.arg, last, v)) return 0;
-          *++sp = last = v;
-          break;
+          if (!Bind(c, in.arg, top, v)) return 0;
+          *++sp = top;
+          top = v;
+          continue;
         }
         case Op::kLinked:
-          *++sp = last = c.varBound[in.arg] ? Round15(c.varValue[in.arg]) : c.vars[in.arg].unboundValue;
-          break;
+          *++sp = top;
+          top = c.varBound[in.arg] ? Round15(c.varValue[in.arg]) : c.vars[in.arg].unboundValue;
+          continue;
         case Op::kParam:
-          *++sp = last = Round15(args[in.arg]);
-          break;
-        case Op::kAdd: --sp; *sp = last = *sp + sp[1]; goto check;
-        case Op::kSub: --sp; *sp = last = *sp - sp[1]; goto check;
-        case Op::kMul: --sp; *sp = last = *sp * sp[1]; goto check;
+          *++sp = top;
+          top = Round15(args[in.arg]);
+          continue;
+        case Op::kAdd: top = *sp-- + top; break;
+        case Op::kSub: top = *sp-- - top; break;
+        case Op::kMul: top = *sp-- * top; break;
         case Op::kDiv:
-          --sp;
-          if (sp[1] == 0) return Error(11);
-          *sp = last = *sp / sp[1];
-          goto check;
-        case Op::kAddC: *sp = last = *sp + in.value; goto check;
-        case Op::kSubC: *sp = last = *sp - in.value; goto check;
-        case Op::kMulC: *sp = last = *sp * in.value; goto check;
-        case Op::kDivC: *sp = last = *sp / in.value; goto check;
+          if (top == 0) return Error(11);
+          top = *sp-- / top;
+          break;
+        case Op::kAddC: top = top + in.value; break;
+        case Op::kSubC: top = top - in.value; break;
+        case Op::kMulC: top = top * in.value; break;
+        case Op::kDivC: top = top / in.value; break;
+        case Op::kAddR: top = top + reg[in.count]; break;
+        case Op::kSubR: top = top - reg[in.count]; break;
+        case Op::kMulR: top = top * reg[in.count]; break;
+        case Op::kDivR:
+          if (reg[in.count] == 0) return Error(11);
+          top = top / reg[in.count];
+          break;
+        case Op::kCMulR:
+          *++sp = top;
+          top = in.value * reg[in.count];
+          break;
+        case Op::kRPowInt:
+          *++sp = top;
+          top = reg[in.count];
+          [[fallthrough]];
         case Op::kPowInt: {
-          double a = *sp;
           int k = in.arg;
-          if (k == 0) { *sp = last = 1; break; }
-          if (a == 0) { *sp = last = 0; break; }
+          if (k == 0) {
+            top = 1;
+            continue;
+          }
+          if (top == 0) continue;  // 0^k is 0, also for negative k
           int m = k < 0 ? -k : k;
-          double r = 1;
-          for (int i = 0; i < m; ++i) r *= a;
+          double a = top, r = a;
+          for (int i = 1; i < m; ++i) r *= a;
           if (k < 0) {
             if (r == 0) {
               Fault("Division by zero");
@@ -231,38 +287,56 @@ struct Evaluator {
             }
             r = 1 / r;
           }
-          *sp = last = r;
-          goto check;
-        }
-        case Op::kPow: {
-          --sp;
-          Applied r = Power(*sp, sp[1]);
-          if (r.status) return Status(r);
-          *sp = last = r.value;
+          top = r;
           break;
         }
-        case Op::kUnary: {
-          Applied r = ApplyBuiltin(in.fn, 0, *sp);
+        case Op::kPow: {
+          Applied r = Power(*sp--, top);
           if (r.status) return Status(r);
-          *sp = last = r.value;
+          top = r.value;
+          continue;
+        }
+        case Op::kUnary: {
+          // The common functions inline; the rest (and every domain error) go the long way.
+          switch (in.fn) {
+            case Builtin::kSin: top = std::sin(top); continue;
+            case Builtin::kCos: top = std::cos(top); continue;
+            case Builtin::kAtan: top = std::atan(top); continue;
+            case Builtin::kAbs: top = std::fabs(top); continue;
+            case Builtin::kTan: top = std::tan(top); break;
+            case Builtin::kExp: top = std::exp(top); break;
+            case Builtin::kSqr:
+              if (top < 0) return Error(12);
+              top = std::sqrt(top);
+              continue;
+            case Builtin::kLn:
+              if (top <= 0) return Error(13);
+              top = std::log(top);
+              continue;
+            default: {
+              Applied r = ApplyBuiltin(in.fn, 0, top);
+              if (r.status) return Status(r);
+              top = r.value;
+              continue;
+            }
+          }
           break;
         }
         case Op::kBinary: {
-          --sp;
-          Applied r = ApplyBuiltin(in.fn, *sp, sp[1]);
+          Applied r = ApplyBuiltin(in.fn, *sp--, top);
           if (r.status) return Status(r);
-          *sp = last = r.value;
-          break;
+          top = r.value;
+          continue;
         }
         case Op::kRandom:
-          *sp = last = e.NextRandom(*sp >= 0);
-          break;
+          top = e.NextRandom(top >= 0);
+          continue;
         case Op::kCall: {
-          sp -= in.count - 1;
-          double r = e.CallUserFunction(in.arg, sp, in.count);
+          *++sp = top;          // the arguments are the top `count` values, deepest first
+          sp -= in.count;
+          top = e.CallUserFunction(in.arg, sp + 1, in.count);
           if (e.failed()) return 0;
-          *sp = last = r;
-          break;
+          continue;
         }
         case Op::kError:
           return Error(in.arg);
@@ -270,14 +344,13 @@ struct Evaluator {
           Fault("Overflow");
           return 0;
       }
-      continue;
-    check:
-      if (!std::isfinite(*sp)) {
+      // Arithmetic results: an overflow is a fault, never a value.
+      if (!std::isfinite(top)) [[unlikely]] {
         Fault("Overflow");
         return 0;
       }
     }
-    return *sp;
+    return top;
   }
 
   double Error(int code) {
@@ -305,8 +378,10 @@ double Engine::EvaluateProgram(int16_t n) {
   }
   CompiledCode& c = CodeAtDepth();
   Evaluator ev{*this};
-  if (c.identity != Program.identity_ || c.n != n || c.functionsVersion != functionsVersion_) {
-    ev.Build(c, n, nullptr);
+  bool toolMode = BindToX == 1 || IntegralBinding == 1;
+  if (c.identity != Program.identity_ || c.n != n || c.functionsVersion != functionsVersion_ ||
+      c.toolMode != toolMode) {
+    ev.Build(c, n, nullptr, toolMode);
   }
   ++evalDepth_;
   double r = ev.Run(c, nullptr);
@@ -392,7 +467,7 @@ bool Engine::BuildCallCode(int slot) {
   if (ok) {
     if (callCache_.size() <= static_cast<size_t>(slot)) callCache_.resize(slot + 1);
     callCache_[slot] = std::make_unique<CompiledCode>();
-    Evaluator{*this}.Build(*callCache_[slot], n, &FunctionTable[slot]);
+    Evaluator{*this}.Build(*callCache_[slot], n, &FunctionTable[slot], BindToX == 1 || IntegralBinding == 1);
   }
   muted_ = false;
   Program = savedProgram;
@@ -407,7 +482,9 @@ double Engine::CallUserFunction(int slot, const double* args, int count) {
     Fail(10);
     return 0;
   }
-  bool cached = static_cast<size_t>(slot) < callCache_.size() && callCache_[slot];
+  bool toolMode = BindToX == 1 || IntegralBinding == 1;
+  bool cached = static_cast<size_t>(slot) < callCache_.size() && callCache_[slot] &&
+                callCache_[slot]->toolMode == toolMode;
   if (cached || BuildCallCode(slot)) {
     CompiledCode& c = *callCache_[slot];
     IntegralCount = 0;  // what expanding the body's (absent) integrals leaves

@@ -19,6 +19,11 @@ enum class Op : uint8_t {
   kAdd, kSub, kMul, kDiv,
   kAddC, kSubC, kMulC, kDivC,  // the top value with a constant right operand
   kPow, kPowInt,               // kPowInt: a constant integral exponent in `arg`
+  // Tool mode, where every free variable is x: register 0 is x, register 1 is x read back
+  // in 15 digits (what later cells of a variable hold). `count` names the register.
+  kPushR, kAddR, kSubR, kMulR, kDivR,
+  kRPowInt,  // push register^arg
+  kCMulR,    // push value * register
   kUnary, kBinary, kRandom,
   kCall,     // user function: slot in `arg`, parameter count in `count`
   kError,    // reaching this cell is error `arg`
@@ -42,6 +47,8 @@ struct CompiledCode {
   uint64_t identity = ~uint64_t{0};
   int16_t n = -1;
   uint64_t functionsVersion = 0;
+  bool toolMode = false;        // built for BindToX = 1: variables read x directly
+  bool usesRounded = false;     // register 1 is needed
   std::vector<Instr> code;
   std::vector<VariableSlot> vars;
   // Run-time storage, sized once so that evaluating allocates nothing.

@@ -1,6 +1,7 @@
 // Number texts: fixed formats independent of the process locale.
 #include "engine/number_text.h"
 
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -70,6 +71,13 @@ double ParseToken(std::string_view s) {
 
 constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                              1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// Powers of ten 1e-8 .. 1e35 as doubles, for finding a value's decimal exponent.
+constexpr int kPow10Bias = 8;
+const double kPow10Signed[] = {1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,
+                               1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                               1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27,
+                               1e28, 1e29, 1e30, 1e31, 1e32, 1e33, 1e34, 1e35};
 
 unsigned __int128 Pow10U128(int k) {
   unsigned __int128 p = 1;
@@ -150,24 +158,34 @@ double ReadLenient(std::string_view text) {
 }
 
 double Round15(double v) {
-  if (v == 0) return 0;
-  if (!std::isfinite(v)) return v;
+  uint64_t bits = std::bit_cast<uint64_t>(v);
+  int biased = static_cast<int>((bits >> 52) & 0x7FF);
+  // Zero, subnormals, infinities and NaN, and magnitudes outside [1e-7, 1e35): by text.
+  if (biased == 0 || biased == 0x7FF) return v == 0 ? 0.0 : v;
+  int exp2 = biased - 1023;  // v = 1.f * 2^exp2
+  if (exp2 < -24 || exp2 > 115) return Round15Slow(v);
   double a = std::fabs(v);
-  if (!(a >= 1e-7 && a < 1e35)) return Round15Slow(v);
+  if (a < 1e-7 || a >= 1e35) return Round15Slow(v);
+  uint64_t m = (bits & ((uint64_t{1} << 52) - 1)) | (uint64_t{1} << 52);
+  int k = exp2 - 52;  // a = m * 2^k exactly
 
-  // e = the decimal exponent of a; off by one only within an ulp of a power of ten,
-  // where both candidate roundings give that power.
-  int e = static_cast<int>(std::floor(std::log10(a)));
+  // The decimal exponent; off by one only within an ulp of a power of ten, where both
+  // candidate roundings give that power.
+  int e = (exp2 * 78913) >> 18;  // floor(exp2 * log10(2)) for |exp2| < 1650
+  if (e + 1 < 35 && a >= kPow10Signed[e + 1 + kPow10Bias]) ++e;
   int q = 14 - e;  // decimal places that make a a 15-digit integer
 
-  int exp2 = 0;
-  double fr = std::frexp(a, &exp2);
-  auto m = static_cast<uint64_t>(std::ldexp(fr, 53));
-  int k = exp2 - 53;  // a = m * 2^k exactly
-
-  uint64_t digits = 0;
   if (q >= 0) {
-    if (q > 22) return Round15Slow(v);
+    // a * 10^q below 2^50 is off from the exact product by at most 1/16, so rounding it gives
+    // the exact result unless the fraction lies within 1/16 of a half; those go the slow way.
+    constexpr double kTwo52 = 4503599627370496.0;
+    double t = a * kPow10[q];
+    double whole = (t + kTwo52) - kTwo52;  // rounds to an integer, halves to even
+    double frac = t - whole;
+    if (std::fabs(std::fabs(frac) - 0.5) > 0.0625) {
+      double r = whole / kPow10[q];
+      return v < 0 ? -r : r;
+    }
     unsigned __int128 p = static_cast<unsigned __int128>(m) * kPow10U.v[q];
     int shift = -k;
     if (shift <= 0 || shift >= 127) return Round15Slow(v);
@@ -175,20 +193,17 @@ double Round15(double v) {
     unsigned __int128 rem = p - (n << shift);
     unsigned __int128 half = static_cast<unsigned __int128>(1) << (shift - 1);
     if (rem > half || (rem == half && (n & 1))) ++n;
-    digits = static_cast<uint64_t>(n);
-    double r = static_cast<double>(digits) / kPow10[q];
+    double r = static_cast<double>(static_cast<uint64_t>(n)) / kPow10[q];
     return v < 0 ? -r : r;
   }
   int down = -q;
-  if (down > 22) return Round15Slow(v);
   unsigned __int128 num = m, den = kPow10U.v[down];
   if (k >= 0) num <<= k;
   else den <<= -k;
   unsigned __int128 n = num / den;
   unsigned __int128 rem = num - n * den;
   if (2 * rem > den || (2 * rem == den && (n & 1))) ++n;
-  digits = static_cast<uint64_t>(n);
-  double r = static_cast<double>(digits) * kPow10[down];
+  double r = static_cast<double>(static_cast<uint64_t>(n)) * kPow10[down];
   return v < 0 ? -r : r;
 }
 

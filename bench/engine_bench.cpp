@@ -1,0 +1,151 @@
+// Per-point evaluation as a tool window runs it, beside muparser and hand-written C++.
+#include <benchmark/benchmark.h>
+#include <muParser.h>
+
+#include <cmath>
+#include <functional>
+
+#include "engine/engine.h"
+#include "engine/record_table.h"
+#include "main/calculator.h"
+
+namespace {
+
+using merida::Engine;
+using merida::SavedProgram;
+
+struct Formula {
+  const char* name;
+  const char* merida;
+  const char* muparser;
+  double (*native)(double);
+};
+
+// The same mathematics in each form (muparser spells sqrt, log10 and unary minus its own way).
+const Formula kFormulas[] = {
+    {"poly2", "x^2+3*x+1", "x^2+3*x+1", [](double x) { return x * x + 3 * x + 1; }},
+    {"poly4", "2*x^4-3*x^3+x^2-5*x+7", "2*x^4-3*x^3+x^2-5*x+7",
+     [](double x) { return 2 * (x * x * x * x) - 3 * (x * x * x) + x * x - 5 * x + 7; }},
+    {"trig", "sin(x)*cos(x)+exp(0-x^2)", "sin(x)*cos(x)+exp(0-x^2)",
+     [](double x) { return std::sin(x) * std::cos(x) + std::exp(0 - x * x); }},
+    {"mix", "sqr(abs(x))+ln(x^2+1)+atan(x)*tanh(x)-sin(x)^2/(1+cos(x)^2)+log(x^2+2)*exp(x/10)",
+     "sqrt(abs(x))+ln(x^2+1)+atan(x)*tanh(x)-sin(x)^2/(1+cos(x)^2)+log10(x^2+2)*exp(x/10)",
+     [](double x) {
+       double s = std::sin(x), c = std::cos(x);
+       return std::sqrt(std::fabs(x)) + std::log(x * x + 1) + std::atan(x) * std::tanh(x) - s * s / (1 + c * c) +
+              std::log10(x * x + 2) * std::exp(x / 10);
+     }},
+};
+
+class QuietHost : public merida::SilentHost {};
+
+// Compiles the formula for a tool window: BindToX = 1, one saved program.
+SavedProgram CompileTool(Engine& e, const char* formula) {
+  e.BeginRun(1, formula);
+  e.SplitFormula();
+  e.ExpandIntegrals();
+  e.ExpandSigmas();
+  e.ParseHeader();
+  e.TokenizeBody();
+  int16_t n = e.CompilePostfix(e.CurrentSlot);
+  n = e.ComputeIntegrals(n);
+  e.CollectVariables();
+  return e.SaveProgram(n);
+}
+
+void BM_Merida(benchmark::State& state) {
+  const Formula& f = kFormulas[state.range(0)];
+  QuietHost host;
+  Engine e(host);
+  SavedProgram saved = CompileTool(e, f.merida);
+  double x = 0.1;
+  for (auto _ : state) {
+    double y = e.EvaluateAt(saved, x);
+    benchmark::DoNotOptimize(y);
+    x += 1e-4;
+  }
+  if (e.failed()) state.SkipWithError("evaluation failed");
+  state.SetLabel(f.name);
+}
+
+void BM_Muparser(benchmark::State& state) {
+  const Formula& f = kFormulas[state.range(0)];
+  mu::Parser p;
+  double x = 0.1;
+  p.DefineVar("x", &x);
+  p.SetExpr(f.muparser);
+  p.Eval();
+  for (auto _ : state) {
+    double y = p.Eval();
+    benchmark::DoNotOptimize(y);
+    x += 1e-4;
+  }
+  state.SetLabel(f.name);
+}
+
+void BM_Native(benchmark::State& state) {
+  const Formula& f = kFormulas[state.range(0)];
+  double x = 0.1;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(x);
+    double y = f.native(x);
+    benchmark::DoNotOptimize(y);
+    x += 1e-4;
+  }
+  state.SetLabel(f.name);
+}
+
+BENCHMARK(BM_Merida)->DenseRange(0, 3);
+BENCHMARK(BM_Muparser)->DenseRange(0, 3);
+BENCHMARK(BM_Native)->DenseRange(0, 3);
+
+// A 6001-point graph sample: compile once, evaluate at every point, record the rows.
+void BM_GraphSample6001(benchmark::State& state) {
+  QuietHost host;
+  Engine e(host);
+  merida::RecordFunctionTable table;
+  for (auto _ : state) {
+    SavedProgram saved = CompileTool(e, kFormulas[3].merida);
+    const double start = 0.5, end = 10;
+    const int n = 6000;
+    const double h = (end - start) / n;
+    for (int i = 0; i <= n; ++i) {
+      double x = i == n ? end : i * h + start;
+      double y = e.EvaluateAt(saved, x);
+      table.RecordPoint(i + 1, static_cast<float>(x), static_cast<float>(y), 0);
+    }
+    benchmark::DoNotOptimize(table.count);
+  }
+}
+BENCHMARK(BM_GraphSample6001)->Unit(benchmark::kMicrosecond);
+
+// Calc of an integral of 10000 divisions.
+void BM_Integral10000(benchmark::State& state) {
+  QuietHost host;
+  Engine e(host);
+  for (auto _ : state) {
+    auto answer = merida::Calc(e, "integ(sin(x)*x^2,0,PI,10000)");
+    benchmark::DoNotOptimize(answer);
+  }
+}
+BENCHMARK(BM_Integral10000)->Unit(benchmark::kMicrosecond);
+
+// A user function called at every point.
+void BM_UserFunctionCall(benchmark::State& state) {
+  QuietHost host;
+  Engine e(host);
+  e.RegisterFormula("sq(t)=t*t+1");
+  SavedProgram saved = CompileTool(e, "sq(x)+x");
+  double x = 0.1;
+  for (auto _ : state) {
+    double y = e.EvaluateAt(saved, x);
+    benchmark::DoNotOptimize(y);
+    x += 1e-4;
+  }
+  if (e.failed()) state.SkipWithError("evaluation failed");
+}
+BENCHMARK(BM_UserFunctionCall);
+
+}  // namespace
+
+BENCHMARK_MAIN();

@@ -1,0 +1,76 @@
+// merida-cli calc, rec, list and del end to end: output, standard error, exit status, files.
+#include <fstream>
+
+#include "test_support.h"
+
+namespace merida {
+namespace {
+
+using test::RunCli;
+
+class CliTest : public test::TempDirTest {};
+
+TEST_F(CliTest, CalcPrintsAnswersErrorsAndFaults) {
+  struct Row {
+    std::vector<std::string> args;
+    std::string input, out, err;
+    int status;
+  };
+  const Row rows[] = {
+      {{"calc", "1+2"}, "", "3\n", "", 0},
+      {{"calc", "2^100"}, "", "1.26765060022823E+30\n", "", 0},
+      {{"calc", "1/0"}, "", "", "error 11: 0で割ることは不可です\n", 1},
+      {{"calc", "13!"}, "", "", "fault: Overflow\n", 3},
+      {{"calc", "x*2"}, "4\n", "8\n", "x\n", 0},
+      {{"calc", "x+y"}, "2\nPI/4\n", "2.78539816339745\n", "x\ny\n", 0},
+      {{"calc", "x+1"}, "", "1\n", "x\n", 0},
+      {{"calc", "--var", "x=3", "--var", "y=PI", "x*y"}, "", "9.42477796076937\n", "", 0},
+      {{"calc", "--var", "x=2", "x+y"}, "5\n", "7\n", "y\n", 0},
+      {{"calc", "integ(x,1,0,10)"}, "", "", "", 1},
+      {{"calc", "f(x)=x+1"}, "1\n", "2\n", "x\n", 0},
+      {{"calc"}, "", "", "usage: merida-cli calc [--var NAME=VALUE]... FORMULA\n", 2},
+      {{"calc", "--var", "x", "1"}, "", "", "usage: merida-cli calc [--var NAME=VALUE]... FORMULA\n", 2},
+      {{"calc", "1", "2"}, "", "", "usage: merida-cli calc [--var NAME=VALUE]... FORMULA\n", 2},
+      {{"frobnicate"}, "", "", "merida-cli: unknown command 'frobnicate'\n", 2},
+  };
+  for (const Row& r : rows) {
+    auto got = RunCli(r.args, r.input);
+    std::string label = r.args.size() > 1 ? r.args.back() : r.args[0];
+    EXPECT_EQ(got.out, r.out) << label;
+    EXPECT_EQ(got.err, r.err) << label;
+    EXPECT_EQ(got.status, r.status) << label;
+  }
+}
+
+TEST_F(CliTest, RecListDelKeepTheStore) {
+  EXPECT_EQ(RunCli({"rec", "sq(x)=x*x"}).status, 0);
+  EXPECT_EQ(RunCli({"rec", "x^2+y"}).status, 0);
+  EXPECT_EQ(RunCli({"rec", "p(x,y)=perm(x,y)"}).status, 0);
+  auto dup = RunCli({"rec", "sq(t)=t"});
+  EXPECT_EQ(dup.status, 1);
+  EXPECT_EQ(dup.err, "error 7: このユーザ関数は既に登録されています\n");
+  EXPECT_EQ(RunCli({"list"}).out, "sq(x)=x*x\nf_1(x,y)=x^2+y\np(x,y)=perm(x,y)\n");
+  std::ifstream in("MERIDA.DAT", std::ios::binary);
+  std::string stored((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(stored, "sq(x)=x*x\r\nf_1(x@y)=x^2+y\r\np(x@y)=perm(x@y)\r\n");
+  EXPECT_EQ(RunCli({"calc", "sq(3)+1"}).out, "10\n");
+  EXPECT_EQ(RunCli({"del", "1"}).status, 0);
+  EXPECT_EQ(RunCli({"list"}).out, "f_1(x,y)=x^2+y\np(x,y)=perm(x,y)\n");
+  auto none = RunCli({"del", "9"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_EQ(none.out + none.err, "");
+  EXPECT_EQ(RunCli({"del", "x"}).status, 2);
+  auto gone = RunCli({"calc", "sq(3)"});
+  EXPECT_EQ(gone.err, "error 4: ユーザ関数が見つかりません\n");
+}
+
+TEST_F(CliTest, BadStoreLinesAreReportedButDoNotFailTheCommand) {
+  std::ofstream("MERIDA.DAT", std::ios::binary) << "a(x)=x+1\r\na(y)=y\r\n";
+  auto r = RunCli({"calc", "a(1)"});
+  EXPECT_EQ(r.out, "2\n");
+  EXPECT_EQ(r.err, "error 7: このユーザ関数は既に登録されています\n");
+  EXPECT_EQ(r.status, 0);
+}
+
+}  // namespace
+}  // namespace merida

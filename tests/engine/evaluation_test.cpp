@@ -1,0 +1,202 @@
+// Operand rules: asking, linking, tool-window binding, stop, policy; EvaluateConstantText.
+#include <cmath>
+
+#include "engine/engine.h"
+#include "engine/number_text.h"
+#include "main/calculator.h"
+#include "test_support.h"
+
+namespace merida {
+namespace {
+
+using test::RecordingHost;
+
+// Compiles a formula the way a tool window does; returns the program length.
+int16_t CompileForTool(Engine& e, const std::string& formula) {
+  e.BeginRun(1, formula);
+  e.SplitFormula();
+  if (e.ExpandIntegrals() < 0 || e.ExpandSigmas() < 0) return -1;
+  e.ParseHeader();
+  e.TokenizeBody();
+  if (e.failed()) return -1;
+  int16_t n = e.CompilePostfix(e.CurrentSlot);
+  if (e.failed()) return -1;
+  n = e.ComputeIntegrals(n);
+  if (n < 0) return -1;
+  if (e.HeaderText.empty()) e.CollectVariables();
+  else e.CheckParameters();
+  return e.failed() ? -1 : n;
+}
+
+TEST(Evaluation, AsksEachVariableOnceInPostfixOrder) {
+  struct Row {
+    const char* formula;
+    std::vector<std::string> prompts;
+  };
+  const Row rows[] = {
+      {"x+x", {"x"}},
+      {"x+y", {"x", "y"}},
+      {"y*x+x*y", {"y", "x"}},
+      {"sin(b)+a", {"b", "a"}},
+      {"X+x", {"X", "x"}},
+      {"PI+E+3", {}},
+  };
+  for (const Row& r : rows) {
+    RecordingHost host;
+    Engine e(host);
+    ASSERT_TRUE(Calc(e, r.formula)) << r.formula;
+    EXPECT_EQ(host.prompts, r.prompts) << r.formula;
+  }
+}
+
+TEST(Evaluation, CancelledInputBoxEndsWithoutAnswerOrMessage) {
+  RecordingHost host;
+  host.answers = {std::string("1"), std::nullopt};
+  Engine e(host);
+  EXPECT_FALSE(Calc(e, "x+y+z"));
+  EXPECT_EQ(host.prompts, (std::vector<std::string>{"x", "y"}));
+  EXPECT_TRUE(host.errors.empty());
+  EXPECT_TRUE(e.CancelFlag);
+  // The next Calc starts afresh.
+  host.answers = {std::string("2")};
+  EXPECT_EQ(Calc(e, "x*3"), "6");
+}
+
+// Later cells of a variable read the first cell's text back, so they carry 15 digits.
+TEST(Evaluation, LinkedCellsCarryFifteenDigits) {
+  RecordingHost host;
+  Engine e(host);
+  const double x = 0.1 + 0.2;  // 0.30000000000000004
+  int16_t n = CompileForTool(e, "x-x");
+  ASSERT_GT(n, 0);
+  SavedProgram saved = e.SaveProgram(n);
+  double y = e.EvaluateAt(saved, x);
+  EXPECT_FALSE(e.failed());
+  EXPECT_EQ(y, x - Round15(x));
+  EXPECT_NE(y, 0.0);
+  // A single use takes XValue exactly.
+  n = CompileForTool(e, "x*1");
+  saved = e.SaveProgram(n);
+  EXPECT_EQ(e.EvaluateAt(saved, x), x);
+}
+
+TEST(Evaluation, ToolModeBindsEveryFreeVariableToX) {
+  RecordingHost host;
+  Engine e(host);
+  int16_t n = CompileForTool(e, "x^2+3*x+1");
+  ASSERT_GT(n, 0);
+  EXPECT_EQ(e.FunctionTable[e.CurrentSlot].ParamCount, 1);
+  SavedProgram saved = e.SaveProgram(n);
+  for (double x : {-2.0, 0.0, 0.5, 3.0}) {
+    EXPECT_DOUBLE_EQ(e.EvaluateAt(saved, x), x * x + 3 * x + 1) << x;
+  }
+  EXPECT_TRUE(host.prompts.empty());
+  n = CompileForTool(e, "x*y");
+  ASSERT_GT(n, 0);
+  EXPECT_EQ(e.FunctionTable[e.CurrentSlot].ParamCount, 2);
+}
+
+TEST(Evaluation, ToolModeErrorsAndFaultsEndQuietly) {
+  RecordingHost host;
+  Engine e(host);
+  int16_t n = CompileForTool(e, "1/x");
+  SavedProgram saved = e.SaveProgram(n);
+  e.EvaluateAt(saved, 0);
+  EXPECT_EQ(e.ErrorFlag, 1);
+  EXPECT_EQ(host.errors, std::vector<int>{11});
+  n = CompileForTool(e, "exp(x)");
+  saved = e.SaveProgram(n);
+  e.EvaluateAt(saved, 1000);
+  EXPECT_TRUE(e.FaultFlag);
+  EXPECT_TRUE(host.faults.empty()) << "a tool ends a faulted run without a message";
+}
+
+TEST(Evaluation, SumsFollowThePointInToolMode) {
+  RecordingHost host;
+  Engine e(host);
+  int16_t n = CompileForTool(e, "sgm(k*x,1,3,k)");
+  ASSERT_GT(n, 0);
+  SavedProgram saved = e.SaveProgram(n);
+  EXPECT_EQ(e.EvaluateAt(saved, 1), 6);
+  EXPECT_EQ(e.EvaluateAt(saved, 2), 12);
+  EXPECT_EQ(e.EvaluateAt(saved, 0.5), 3);
+}
+
+TEST(Evaluation, IntegralsAreComputedOncePerRun) {
+  RecordingHost host;
+  host.answers = {std::string("1"), std::string("5")};
+  Engine e(host);
+  int16_t n = CompileForTool(e, "x+integ(t,0,b,10)");
+  ASSERT_GT(n, 0);
+  EXPECT_EQ(host.prompts, std::vector<std::string>{"b"});
+  SavedProgram saved = e.SaveProgram(n);
+  EXPECT_EQ(e.EvaluateAt(saved, 1), 1.5);
+  EXPECT_EQ(e.EvaluateAt(saved, 2), 2.5);
+  EXPECT_EQ(host.prompts.size(), 1u);
+  // The formula's own variables are still x alone.
+  EXPECT_EQ(e.FunctionTable[e.CurrentSlot].ParamCount, 1);
+}
+
+TEST(Evaluation, UnboundPolicyAndStopRequest) {
+  RecordingHost host;
+  Engine e(host);
+  for (int16_t policy : {0, 1}) {
+    e.BeginRun(-1, "x+1");
+    e.UnboundPolicy = policy;
+    e.SplitFormula();
+    e.TokenizeBody();
+    int16_t n = e.CompilePostfix(e.CurrentSlot);
+    EXPECT_EQ(e.EvaluateProgram(n), policy + 1);
+  }
+  e.BeginRun(-1, "5+x");
+  e.SplitFormula();
+  e.TokenizeBody();
+  int16_t n = e.CompilePostfix(e.CurrentSlot);
+  e.StopRequested = 1;  // winding down: the variable takes the value last produced
+  EXPECT_EQ(e.EvaluateProgram(n), 10);
+  EXPECT_TRUE(host.prompts.empty());
+}
+
+TEST(Evaluation, ConstantTexts) {
+  struct Row {
+    const char* text;
+    double value;
+    int error;
+  };
+  const Row rows[] = {
+      {"PI/2", 3.14159265358979 / 2, 0}, {"-1", -1, 0},       {"+2", 2, 0},       {"2^3^2", 64, 0},
+      {"2*(3+4)", 14, 0},                {"1E-5", 1e-5, 0},   {"", 0, 0},         {"abc", 0, 0},
+      {"12abc+1", 13, 0},                {"1/0", 0, 11},      {"(-8)^(1/3)", 0, 14}, {"(2", 0, 23},
+      {"2)", 0, 23},                     {"2+", 0, 22},       {"2*(-3)", -6, 0},  {"E", 2.71828182845905, 0},
+      {" 1 2 ", 12, 0},
+  };
+  for (const Row& r : rows) {
+    RecordingHost host;
+    Engine e(host);
+    double v = e.EvaluateConstantText(r.text);
+    if (r.error) {
+      EXPECT_EQ(host.errors, std::vector<int>{r.error}) << r.text;
+    } else {
+      EXPECT_TRUE(host.errors.empty()) << r.text;
+      EXPECT_DOUBLE_EQ(v, r.value) << r.text;
+    }
+  }
+}
+
+TEST(Evaluation, HostileTextsEndInAnErrorOrAnAnswer) {
+  std::vector<std::string> texts = {std::string(100000, '('), std::string(5000, '1'), std::string(3000, '-'),
+                                    "\xff\xfe\x00", "integ(integ(x,0,1,2),0,1,2)", "sgm(sgm(k,1,2,k),1,2,j)",
+                                    ",,,", "((()))", "1e308*10", "f(((", "!!!", "^", "(,)", "=", "==="};
+  std::string many;
+  for (int i = 0; i < 2000; ++i) many += "sin(";
+  texts.push_back(many);
+  for (const auto& t : texts) {
+    RecordingHost host;
+    Engine e(host);
+    auto answer = Calc(e, t);
+    EXPECT_TRUE(answer || !host.errors.empty() || !host.faults.empty() || e.failed()) << t.substr(0, 40);
+  }
+}
+
+}  // namespace
+}  // namespace merida

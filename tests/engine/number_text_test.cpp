@@ -1,0 +1,116 @@
+// Number texts: plain and list forms, patterns, numeric test, lenient reading, 15-digit folding.
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <random>
+
+#include "engine/number_text.h"
+#include "test_support.h"
+
+namespace merida {
+namespace {
+
+TEST(NumberText, PlainAndListForms) {
+  struct Row {
+    double v;
+    const char* plain;
+    const char* list;
+  };
+  const Row rows[] = {
+      {1.0 / 3, "0.333333333333333", " .333333333333333"},
+      {-0.25, "-0.25", "-.25"},
+      {0.5, "0.5", " .5"},
+      {2, "2", " 2"},
+      {1e-7, "1E-07", " 1E-07"},
+      {std::pow(2.0, 100), "1.26765060022823E+30", " 1.26765060022823E+30"},
+      {1e14, "100000000000000", " 100000000000000"},
+      {1e15, "1E+15", " 1E+15"},
+      {0.0001, "0.0001", " .0001"},
+      {-0.0, "0", " 0"},
+      {0, "0", " 0"},
+      {-1e300, "-1E+300", "-1E+300"},
+      {123456789012345678.0, "1.23456789012346E+17", " 1.23456789012346E+17"},
+  };
+  for (const Row& r : rows) {
+    EXPECT_EQ(PlainText(r.v), r.plain) << r.v;
+    EXPECT_EQ(ListText(r.v), r.list) << r.v;
+  }
+  EXPECT_EQ(ListText(1.0f / 3), " .3333333");
+  EXPECT_EQ(ListText(-0.5f), "-.5");
+  EXPECT_EQ(ListText(2.0f), " 2");
+  EXPECT_EQ(ListText(1e-9f), " 1E-09");
+}
+
+TEST(NumberText, FiveDecimalPattern) {
+  struct Row {
+    double v;
+    const char* text;
+  };
+  const Row rows[] = {{0.25, ".25"}, {3, "3."}, {-1.5, "-1.5"}, {0, "."},         {123.456789, "123.45679"},
+                      {-0.000001, "."}, {0.000005, ".00001"}, {-2.5, "-2.5"}, {1e6, "1000000."}};
+  for (const Row& r : rows) EXPECT_EQ(Fixed5Text(r.v), r.text) << r.v;
+}
+
+TEST(NumberText, NumericTestAndReading) {
+  struct Row {
+    const char* text;
+    bool numeric;
+    double lenient;
+  };
+  const Row rows[] = {
+      {"12", true, 12},     {" -3.5 ", true, -3.5}, {"+.5", true, 0.5},  {"5.", true, 5},
+      {"1E5", true, 1e5},   {"1e-3", true, 1e-3},   {"2 ", true, 2},     {"", false, 0},
+      {" ", false, 0},      {"abc", false, 0},      {"12abc", false, 12}, {"1E", false, 1},
+      {"1E+", false, 1},    {".", false, 0},        {"-", false, 0},     {"1.2.3", false, 1.2},
+      {"inf", false, 0},    {"nan", false, 0},      {"0x10", false, 0},  {"1e999", true, 0},
+      {"1 2", false, 1},    {"--1", false, 0},      {"PI", false, 0},    {"１", false, 0},
+  };
+  for (const Row& r : rows) {
+    EXPECT_EQ(IsNumeric(r.text), r.numeric) << '"' << r.text << '"';
+    EXPECT_EQ(ReadLenient(r.text), r.lenient) << '"' << r.text << '"';
+    EXPECT_EQ(ReadNumber(r.text).has_value(), r.numeric) << '"' << r.text << '"';
+  }
+  EXPECT_EQ(*ReadNumber(" 0.1 "), 0.1);
+  EXPECT_TRUE(std::isinf(*ReadNumber("1e999")));
+  EXPECT_EQ(*ReadNumber("1e-999"), 0);
+}
+
+// Round15 must equal writing the value with 15 digits and reading it back.
+TEST(NumberText, Round15MatchesTextRoundTrip) {
+  auto slow = [](double v) {
+    char buf[64];
+    auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
+    double out = 0;
+    std::from_chars(buf, r.ptr, out);
+    return out;
+  };
+  std::mt19937_64 rng(12345);
+  std::uniform_real_distribution<double> mantissa(1, 10);
+  std::uniform_int_distribution<int> exponent(-12, 40);
+  for (int i = 0; i < 300000; ++i) {
+    double v = mantissa(rng) * std::pow(10.0, exponent(rng));
+    if (i % 2) v = -v;
+    ASSERT_EQ(Round15(v), slow(v)) << std::hexfloat << v;
+  }
+  // Values whose 16th digit sits exactly on a half, and neighbours of powers of ten.
+  const double special[] = {100000000000000.5, 100000000000001.5, 0.1, 0.3, 1e15, 1e-7,
+                            std::nextafter(1e15, 0.0), std::nextafter(1e-5, 1.0), std::nextafter(1e-5, 0.0),
+                            9.999999999999999e22, 1e35, 123.456, 5e-324, std::numeric_limits<double>::max()};
+  for (double v : special) EXPECT_EQ(Round15(v), slow(v)) << std::hexfloat << v;
+  EXPECT_EQ(Round15(0.0), 0.0);
+}
+
+TEST(NumberText, SixteenBitRounding) {
+  EXPECT_EQ(*ToInt16(2.5), 2);
+  EXPECT_EQ(*ToInt16(3.5), 4);
+  EXPECT_EQ(*ToInt16(-2.5), -2);
+  EXPECT_EQ(*ToInt16(32767.4), 32767);
+  EXPECT_FALSE(ToInt16(32767.5));
+  EXPECT_FALSE(ToInt16(-32768.6));
+  EXPECT_FALSE(ToInt16(std::nan("")));
+  EXPECT_EQ(*ToInt32(2147483647.0), 2147483647);
+  EXPECT_FALSE(ToInt32(2147483648.0));
+}
+
+}  // namespace
+}  // namespace merida

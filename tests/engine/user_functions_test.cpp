@@ -1,0 +1,197 @@
+// User functions: Rec, calls, the list, delete, the store text and loading it.
+#include <fstream>
+
+#include "engine/engine.h"
+#include "main/calculator.h"
+#include "main/settings.h"
+#include "test_support.h"
+
+namespace merida {
+namespace {
+
+using test::RecordingHost;
+
+struct Rec {
+  const char* formula;
+  int error;  // 0 = registered
+};
+
+TEST(UserFunctions, RegisteringAndCalling) {
+  RecordingHost host;
+  Engine e(host);
+  const Rec recs[] = {
+      {"sq(x)=x*x", 0},          {"x^2+y", 0},          {"h(x)=x+y", 3},        {"h(x,y)=x", 2},
+      {"sq(t)=t", 7},            {"f(x,1)=x", 1},       {"g(a,b,c,d,e,f,g,h,i,j,k)=a", 5},
+      {"2h(x)=x", 21},           {"p(x,y)=x+perm(x,y)", 0}, {"q(x)=sq(x)+1", 0},  {"r(x)=sq(x,1)", 8},
+      {"F(a)=integ(t^2,0,a,100)", 0}, {"c(X)=x+1", 0},  {"k=3", 0},
+  };
+  for (const Rec& r : recs) {
+    host.errors.clear();
+    bool ok = e.RegisterFormula(r.formula);
+    EXPECT_EQ(ok, r.error == 0) << r.formula;
+    EXPECT_EQ(host.errors.empty() ? 0 : host.errors.front(), r.error) << r.formula;
+  }
+  EXPECT_EQ(e.userFunctionCount(), 7);
+  EXPECT_EQ(e.FunctionListLine(2), "f_1(x,y)=x^2+y");
+  EXPECT_EQ(e.FunctionListLine(5), "F(a)=integ(t^2,0,a,100)");
+
+  struct Call {
+    const char* formula;
+    const char* answer;
+  };
+  const Call calls[] = {
+      {"sq(3)+1", "10"}, {"f_1(2,3)", "7"}, {"p(5,2)", "25"}, {"q(4)", "17"},
+      {"sq(sq(2))", "16"}, {"F(3)", "9.00000000000001"}, {"sq(0.1+0.2)", "0.09"},
+  };
+  for (const Call& c : calls) {
+    host.errors.clear();
+    EXPECT_EQ(Calc(e, c.formula).value_or("none"), c.answer) << c.formula;
+  }
+  host.errors.clear();
+  EXPECT_FALSE(Calc(e, "sq(2,3)"));
+  EXPECT_EQ(host.errors, std::vector<int>{8});
+  // Parameters match the body without regard to case but are substituted exactly:
+  // the lower-case x of c(X)=x+1 stays a free variable and is asked for.
+  host.prompts.clear();
+  host.answers = {std::string("10")};
+  EXPECT_EQ(Calc(e, "c(1)"), "11");
+  EXPECT_EQ(host.prompts, std::vector<std::string>{"x"});
+}
+
+TEST(UserFunctions, AutomaticNamesReuseTheSmallestFreeNumber) {
+  RecordingHost host;
+  Engine e(host);
+  ASSERT_TRUE(e.RegisterFormula("x+1"));
+  ASSERT_TRUE(e.RegisterFormula("x+2"));
+  ASSERT_TRUE(e.RegisterFormula("x+3"));
+  ASSERT_TRUE(e.DeleteFunction(1));
+  EXPECT_EQ(e.userFunctionCount(), 2);
+  EXPECT_EQ(e.FunctionListLine(1), "f_2(x)=x+2");
+  EXPECT_EQ(e.FunctionListLine(2), "f_3(x)=x+3");
+  ASSERT_TRUE(e.RegisterFormula("x+4"));
+  EXPECT_EQ(e.FunctionListLine(3), "f_1(x)=x+4");
+  EXPECT_FALSE(e.DeleteFunction(0));
+  EXPECT_FALSE(e.DeleteFunction(4));
+}
+
+TEST(UserFunctions, FiftiethFunctionIsRefused) {
+  RecordingHost host;
+  Engine e(host);
+  for (int i = 1; i <= 49; ++i) ASSERT_TRUE(e.RegisterFormula("x+" + std::to_string(i))) << i;
+  EXPECT_FALSE(e.RegisterFormula("x+50"));
+  EXPECT_EQ(host.errors, std::vector<int>{9});
+  EXPECT_EQ(e.userFunctionCount(), 49);
+  // Sums still compile in the slot above a full work slot.
+  EXPECT_EQ(Calc(e, "sgm(k,1,4,k)+f_49(1)"), "60");
+}
+
+TEST(UserFunctions, DeletedFunctionsAreNotFound) {
+  RecordingHost host;
+  Engine e(host);
+  ASSERT_TRUE(e.RegisterFormula("g(x)=x+1"));
+  ASSERT_TRUE(e.RegisterFormula("f(x)=g(x)*2"));
+  EXPECT_EQ(Calc(e, "f(1)"), "4");
+  ASSERT_TRUE(e.DeleteFunction(1));
+  EXPECT_FALSE(Calc(e, "g(1)"));
+  EXPECT_EQ(host.errors.back(), 4);
+  // A function redefined after the one that calls it cannot make the calls endless.
+  ASSERT_TRUE(e.RegisterFormula("g(x)=f(x)"));
+  host.errors.clear();
+  EXPECT_FALSE(Calc(e, "g(1)"));
+  EXPECT_EQ(host.errors.size(), 1u);
+}
+
+class StoreTest : public test::TempDirTest {};
+
+TEST_F(StoreTest, SaveAndLoadKeepOrderWithAtSigns) {
+  RecordingHost host;
+  {
+    Engine e(host);
+    ASSERT_TRUE(e.RegisterFormula("f(x,y)=x+perm(x,y)"));
+    ASSERT_TRUE(e.RegisterFormula("g=2"));
+    ASSERT_TRUE(e.RegisterFormula("F(a)=integ(t^2,0,a,100)+sgm(k,1,a,k)"));
+    ASSERT_TRUE(SaveUserFunctions(e, "."));
+  }
+  std::ifstream in("MERIDA.DAT", std::ios::binary);
+  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(text, "f(x@y)=x+perm(x@y)\r\ng()=2\r\nF(a)=integ(t^2@0@a@100)+sgm(k@1@a@k)\r\n");
+  Engine loaded(host);
+  LoadUserFunctions(loaded, ".");
+  ASSERT_EQ(loaded.userFunctionCount(), 3);
+  EXPECT_EQ(loaded.FunctionListLine(1), "f(x,y)=x+perm(x,y)");
+  EXPECT_EQ(loaded.FunctionListLine(3), "F(a)=integ(t^2,0,a,100)+sgm(k,1,a,k)");
+  EXPECT_EQ(Calc(loaded, "f(5,2)"), "25");
+  EXPECT_EQ(Calc(loaded, "F(3)"), "15");
+  EXPECT_TRUE(host.errors.empty());
+}
+
+TEST_F(StoreTest, BadLinesAreReportedAndSkipped) {
+  std::ofstream("MERIDA.DAT", std::ios::binary) << "a(x)=x+1\r\na(y)=y\n\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3";
+  RecordingHost host;
+  Engine e(host);
+  LoadUserFunctions(e, ".");
+  EXPECT_EQ(host.errors, (std::vector<int>{7, 21, 23}));
+  ASSERT_EQ(e.userFunctionCount(), 2);
+  EXPECT_EQ(e.FunctionListLine(2), "d(x)=x*3");
+  EXPECT_EQ(Calc(e, "a(1)+d(1)"), "5");
+}
+
+TEST_F(StoreTest, LinesPastTheFortyNinthAreRefused) {
+  {
+    std::ofstream out("MERIDA.DAT", std::ios::binary);
+    for (int i = 1; i <= 60; ++i) out << "f" << i << "(x)=x+" << i << "\r\n";
+  }
+  RecordingHost host;
+  Engine e(host);
+  LoadUserFunctions(e, ".");
+  EXPECT_EQ(e.userFunctionCount(), 49);
+  EXPECT_EQ(host.errors, std::vector<int>{9});
+  EXPECT_EQ(Calc(e, "f49(1)"), "50");
+}
+
+TEST_F(StoreTest, MissingOrBinaryStoreLoadsNothingAndNeverCrashes) {
+  RecordingHost host;
+  Engine e(host);
+  LoadUserFunctions(e, ".");
+  EXPECT_EQ(e.userFunctionCount(), 0);
+  std::string junk;
+  for (int i = 0; i < 4096; ++i) junk += static_cast<char>((i * 7919) % 256);
+  std::ofstream("MERIDA.DAT", std::ios::binary) << junk;
+  LoadUserFunctions(e, ".");
+  for (int k = 1; k <= e.userFunctionCount(); ++k) EXPECT_FALSE(e.FunctionListLine(k).empty());
+}
+
+TEST_F(StoreTest, SavingLeavesNoTemporaryFilesAndStaleOnesAreRemoved) {
+  std::ofstream("MERIDA.DAT.merida-tmp-abc123") << "half written";
+  RecordingHost host;
+  Engine e(host);
+  LoadUserFunctions(e, ".");
+  ASSERT_TRUE(e.RegisterFormula("s(x)=x"));
+  ASSERT_TRUE(SaveUserFunctions(e, "."));
+  int files = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(".")) {
+    ++files;
+    EXPECT_EQ(entry.path().filename(), "MERIDA.DAT");
+  }
+  EXPECT_EQ(files, 1);
+}
+
+TEST_F(StoreTest, DisplayLanguageFile) {
+  struct Row {
+    const char* contents;
+    int16_t language;
+  };
+  const Row rows[] = {{"Japanese\r\n", 2}, {"English\r\n", 1}, {"japanese\r\n", 1}, {"Japanese", 2},
+                      {"", 1},             {"French\r\n", 1},  {"Japanese,x\r\n", 1}};
+  for (const Row& r : rows) {
+    std::ofstream("MERIDA.DEF", std::ios::binary) << r.contents;
+    EXPECT_EQ(ReadDisplayLanguage(".", 1), r.language) << r.contents;
+  }
+  std::filesystem::remove("MERIDA.DEF");
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 1);
+  ASSERT_TRUE(WriteDisplayLanguage(".", 2));
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
+}
+
+}  // namespace
+}  // namespace merida

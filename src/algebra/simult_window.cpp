@@ -123,6 +123,13 @@ void SimultWindow::retranslate() {
   Command4->setText(caption(QT_TR_NOOP("Inverse Determi")));
   Command2->setText(caption(QT_TR_NOOP("Close")));
   if (QTableWidgetItem* corner = Grid1->item(0, 0)) corner->setText(caption(QT_TR_NOOP("Coeff")));
+  // "Simult" stays Latin among Japanese captions: keep the buttons one height.
+  int height = 0;
+  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) {
+    b->setMinimumHeight(0);
+    height = std::max(height, b->sizeHint().height());
+  }
+  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) b->setMinimumHeight(height);
 }
 
 void SimultWindow::layoutGrid() {

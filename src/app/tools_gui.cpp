@@ -4,6 +4,8 @@
 #include <QPointer>
 #include <memory>
 
+#include "algebra/prime_window.h"
+#include "algebra/simult_window.h"
 #include "graph/graph_tools_gui.h"
 #include "graph/graph_window.h"
 #include "graph/parameter_window.h"
@@ -53,6 +55,9 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
     *graph = OpenGraphWindow(m, *e, *s, [m] { return m->formulaText(); });
     (*graph)->parameterWindow()->setFunctionListOpener(openList);
   });
+  main.setToolOpener(13, [=] { ShowSimultWindow(m, *e, *s, SimultWindow::kEquationsMode); });
+  main.setToolOpener(16, [=] { ShowSimultWindow(m, *e, *s, SimultWindow::kMatrixMode); });
+  main.setToolOpener(20, [=] { ShowPrimeWindow(m, *e, *s); });
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
 }
 

@@ -11,6 +11,13 @@ int RunRec(Context&, const std::vector<std::string>&);
 int RunList(Context&, const std::vector<std::string>&);
 int RunDel(Context&, const std::vector<std::string>&);
 int RunGraph(Context&, const std::vector<std::string>&);
+int RunSolve(Context&, const std::vector<std::string>&);
+int RunSimult(Context&, const std::vector<std::string>&);
+int RunDet(Context&, const std::vector<std::string>&);
+int RunInverse(Context&, const std::vector<std::string>&);
+int RunPfactor(Context&, const std::vector<std::string>&);
+int RunPrimes(Context&, const std::vector<std::string>&);
+int RunGcm(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
@@ -18,6 +25,13 @@ constexpr CommandEntry kCommands[] = {
     {"list", "list", RunList},
     {"del", "del N", RunDel},
     {"graph", "graph --min A --max B --num N [--polar] [--param F2] FORMULA", RunGraph},
+    {"solve", "solve ROW... (each ROW \"a1 ... an c\", n rows, n <= 10)", RunSolve},
+    {"simult", "simult ROW... (each ROW \"a1 ... an c\", n rows, n <= 10)", RunSimult},
+    {"det", "det ROW... (each ROW \"a1 ... an\", n rows, n <= 10)", RunDet},
+    {"inverse", "inverse ROW... (each ROW \"a1 ... an\", n rows, n <= 10)", RunInverse},
+    {"pfactor", "pfactor N", RunPfactor},
+    {"primes", "primes N", RunPrimes},
+    {"gcm", "gcm A B", RunGcm},
 };
 }  // namespace merida::cli
 

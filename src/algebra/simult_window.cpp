@@ -1,0 +1,224 @@
+// The Simultaneous Linear Equation window: the grid, the entry box and the five buttons.
+#include "algebra/simult_window.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QVBoxLayout>
+
+namespace merida {
+namespace {
+
+constexpr int kInputDataError = 46;
+
+// Keys are taken in upper case ("1e5" becomes "1E5"), keeping the cursor where it was.
+void UpperCaseAsTyped(QLineEdit* box) {
+  QObject::connect(box, &QLineEdit::textEdited, box, [box](const QString& text) {
+    QString upper = text.toUpper();
+    if (upper == text) return;
+    int cursor = box->cursorPosition();
+    box->setText(upper);
+    box->setCursorPosition(cursor);
+  });
+}
+
+QTableWidgetItem* HeaderItem(const QString& text) {
+  auto* item = new QTableWidgetItem(text);
+  item->setFlags(Qt::ItemIsEnabled);
+  item->setBackground(QPalette().button());
+  return item;
+}
+
+}  // namespace
+
+SimultWindow::SimultWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
+  auto make = [this](auto*& member, const char* name) {
+    member = new std::remove_reference_t<decltype(*member)>(this);
+    member->setObjectName(name);
+  };
+  make(Label1, "Label1");
+  make(Label2, "Label2");
+  make(Label3, "Label3");
+  make(Text1, "Text1");
+  make(Text2, "Text2");
+  make(Command1, "Command1");
+  make(Command2, "Command2");
+  make(Command3, "Command3");
+  make(Command4, "Command4");
+  make(Command5, "Command5");
+  make(List1, "List1");
+  make(Grid1, "Grid1");
+
+  Grid1->horizontalHeader()->hide();
+  Grid1->verticalHeader()->hide();
+  Grid1->horizontalHeader()->setDefaultSectionSize(64);
+  Grid1->setSelectionMode(QAbstractItemView::SingleSelection);
+  Grid1->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
+  Text1->setMaximumWidth(60);
+  List1->setMinimumWidth(180);
+
+  auto* boxes = new QHBoxLayout;
+  boxes->addWidget(Label2);
+  boxes->addWidget(Text1);
+  boxes->addSpacing(16);
+  boxes->addWidget(Label3);
+  boxes->addWidget(Text2, 1);
+
+  auto* buttons = new QVBoxLayout;
+  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) buttons->addWidget(b);
+  buttons->addStretch();
+
+  auto* layout = new QGridLayout(this);
+  layout->addWidget(Label1, 0, 0, 1, 3);
+  layout->addLayout(boxes, 1, 0, 1, 3);
+  layout->addWidget(Grid1, 2, 0);
+  layout->addLayout(buttons, 2, 1);
+  layout->addWidget(List1, 2, 2);
+  layout->setColumnStretch(0, 3);
+  layout->setColumnStretch(2, 1);
+
+  UpperCaseAsTyped(Text1);
+  UpperCaseAsTyped(Text2);
+  connect(Text1, &QLineEdit::returnPressed, this, &SimultWindow::applyDimension);
+  connect(Text2, &QLineEdit::returnPressed, this, &SimultWindow::enterCell);
+  connect(Grid1, &QTableWidget::cellClicked, this, [this](int row, int column) {
+    if (row >= 1 && column >= 1) current_ = {row, column};
+  });
+  connect(Command1, &QPushButton::clicked, this, [this] { run(SolveByElimination); });
+  connect(Command5, &QPushButton::clicked, this, [this] { run(SolveByMatrix); });
+  connect(Command3, &QPushButton::clicked, this, [this] { run(Determinant); });
+  connect(Command4, &QPushButton::clicked, this, [this] { run(Inverse); });
+  connect(Command2, &QPushButton::clicked, this, &QWidget::close);
+
+  resize(760, 420);
+  openInMode(state.MatrixWindowMode);
+}
+
+QString SimultWindow::caption(const char* english) const {
+  return japanese() ? tr(english) : QString::fromUtf8(english);
+}
+
+void SimultWindow::openInMode(int16_t mode) {
+  mode_ = mode == kMatrixMode ? kMatrixMode : kEquationsMode;
+  Label1->setVisible(!matrixMode());
+  Command1->setEnabled(!matrixMode());
+  Command5->setEnabled(!matrixMode());
+  systemOrder_ = 3;
+  Text1->setText("3");
+  Text2->clear();
+  List1->clear();
+  layoutGrid();
+  retranslate();
+}
+
+void SimultWindow::retranslate() {
+  setWindowTitle(matrixMode() ? caption(QT_TR_NOOP("Determinant & Inverse Matrix"))
+                              : caption(QT_TR_NOOP("Simultaneous Linear Equation")));
+  Label1->setText(caption(QT_TR_NOOP("a1X1 + a2X2 + a3X3 = c")));
+  Label2->setText(caption(QT_TR_NOOP("Dimension")));
+  Label3->setText(caption(QT_TR_NOOP("Input")));
+  Command1->setText(caption(QT_TR_NOOP("Go")));
+  Command5->setText(caption(QT_TR_NOOP("Simult")));
+  Command3->setText(caption(QT_TR_NOOP("Determinant")));
+  Command4->setText(caption(QT_TR_NOOP("Inverse Determi")));
+  Command2->setText(caption(QT_TR_NOOP("Close")));
+  if (QTableWidgetItem* corner = Grid1->item(0, 0)) corner->setText(caption(QT_TR_NOOP("Coeff")));
+  // "Simult" stays Latin among Japanese captions: keep the buttons one height.
+  int height = 0;
+  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) {
+    b->setMinimumHeight(0);
+    height = std::max(height, b->sizeHint().height());
+  }
+  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) b->setMinimumHeight(height);
+}
+
+void SimultWindow::layoutGrid() {
+  const int n = systemOrder_;
+  Grid1->clear();
+  Grid1->setRowCount(n + 1);
+  Grid1->setColumnCount(matrixMode() ? n + 1 : n + 2);
+  Grid1->setItem(0, 0, HeaderItem(caption(QT_TR_NOOP("Coeff"))));
+  const auto columns = ColumnHeaders(n, matrixMode());
+  for (size_t j = 0; j < columns.size(); ++j) {
+    Grid1->setItem(0, static_cast<int>(j) + 1, HeaderItem(QString::fromStdString(columns[j])));
+  }
+  const auto rows = RowHeaders(n);
+  for (size_t i = 0; i < rows.size(); ++i) {
+    Grid1->setItem(static_cast<int>(i) + 1, 0, HeaderItem(QString::fromStdString(rows[i])));
+  }
+  for (int i = 1; i <= n; ++i) {
+    for (int j = 1; j < Grid1->columnCount(); ++j) Grid1->setItem(i, j, new QTableWidgetItem);
+  }
+  setCurrent({1, 1});
+}
+
+void SimultWindow::setCurrent(CellPosition at) {
+  current_ = at;
+  Grid1->setCurrentCell(at.row, at.column);
+}
+
+void SimultWindow::applyDimension() {
+  auto n = DimensionFromText(Text1->text().toStdString());
+  if (!n) return;
+  if (*n == kMaxSystemOrder) Text1->setText("10");
+  systemOrder_ = *n;
+  layoutGrid();
+}
+
+void SimultWindow::enterCell() {
+  Grid1->item(current_.row, current_.column)->setText(Text2->text());
+  Text2->clear();
+  setCurrent(NextCell(current_, systemOrder_, matrixMode()));
+}
+
+CellTexts SimultWindow::gridTexts() const {
+  CellTexts grid;
+  const int columns = matrixMode() ? systemOrder_ : systemOrder_ + 1;
+  for (int i = 1; i <= systemOrder_; ++i) {
+    auto& row = grid.emplace_back();
+    for (int j = 1; j <= columns; ++j) row.push_back(Grid1->item(i, j)->text().toStdString());
+  }
+  return grid;
+}
+
+void SimultWindow::run(LinearResult (*operation)(const CellTexts&)) {
+  LinearResult r = operation(gridTexts());
+  switch (r.outcome) {
+    case LinearOutcome::Listed:
+    case LinearOutcome::Refused:
+      List1->clear();
+      for (const std::string& line : r.lines) List1->addItem(QString::fromStdString(line));
+      for (size_t i = 0; i < r.cells.size(); ++i) {
+        for (size_t j = 0; j < r.cells[i].size(); ++j) {
+          Grid1->item(static_cast<int>(i) + 1, static_cast<int>(j) + 1)->setText(QString::fromStdString(r.cells[i][j]));
+        }
+      }
+      break;
+    case LinearOutcome::NotNumeric:
+      setCurrent({r.badRow, r.badColumn});
+      engine_.Fail(kInputDataError);
+      break;
+    case LinearOutcome::Fault:
+      engine_.BindToX = -1;
+      engine_.StopRequested = 1;
+      break;
+    case LinearOutcome::Silent:
+      break;
+  }
+}
+
+SimultWindow* ShowSimultWindow(QWidget* owner, Engine& engine, AppState& state, int16_t mode) {
+  state.MatrixWindowMode = mode;
+  auto* window = owner->findChild<SimultWindow*>(QString(), Qt::FindDirectChildrenOnly);
+  if (!window) {
+    window = new SimultWindow(engine, state, owner);
+  } else if (window->isHidden() || window->matrixMode() != (mode == SimultWindow::kMatrixMode)) {
+    window->openInMode(mode);
+  }
+  window->show();
+  window->raise();
+  window->activateWindow();
+  return window;
+}
+
+}  // namespace merida

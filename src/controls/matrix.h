@@ -1,0 +1,42 @@
+// The matrix component: linear systems, inverse and determinant of a square matrix in single precision.
+#pragma once
+
+#include <vector>
+
+namespace merida {
+
+enum class MatrixStatus { Ok, Singular, Overflow };
+
+struct MatrixResult {
+  MatrixStatus status = MatrixStatus::Ok;
+  std::vector<float> values;  // the solution, the inverse row by row, or the one determinant
+};
+
+// Holds a square matrix of order 1 to 10 and a right-hand side, as three settable properties.
+// A matrix is singular when elimination meets an exact zero pivot; results that leave the single
+// range, or inputs that are not finite, are overflows.
+class MatrixControl {
+ public:
+  static constexpr int kMaxOrder = 10;
+
+  // Sets the order (clamped to 1..10); the matrix and the vector become zero.
+  void setOrder(int n);
+  int order() const { return order_; }
+  // Row-major elements; missing elements are zero, extra ones ignored.
+  void setMatrix(const std::vector<float>& rowMajor);
+  void setVector(const std::vector<float>& rhs);
+
+  // The x with matrix * x = vector.
+  MatrixResult solve() const;
+  // The inverse, row-major.
+  MatrixResult inverse() const;
+  // The determinant (0 for a singular matrix, never Singular).
+  MatrixResult determinant() const;
+
+ private:
+  int order_ = 1;
+  std::vector<float> matrix_ = std::vector<float>(1, 0.0f);
+  std::vector<float> vector_ = std::vector<float>(1, 0.0f);
+};
+
+}  // namespace merida

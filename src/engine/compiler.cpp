@@ -295,7 +295,8 @@ void Engine::TokenizeBody() {
       Fail(4);
       return false;
     }
-    int16_t precedence = (kind == 1 || kind == 2 || kind >= 5) ? 1 : kind;
+    // A function without parameters has kind 4 like the comma; its name binds as any function.
+    int16_t precedence = (kind == 1 || kind == 2 || kind >= 4) ? 1 : kind;
     return emit(std::move(word), kind, precedence);
   };
 
@@ -356,7 +357,7 @@ void Engine::CheckSyntax() {
   for (int i = 1; i <= list.Count; ++i) {
     int16_t k = list.Kind[i];
     if (k == kBinaryKind) ++operators;
-    else if (k >= 5) operators += k - 5;
+    else if (k >= 5 || (k == kCommaKind && list.Text[i] != ",")) operators += k - 5;
     else if (k == kOperandKind) ++operands;
     if (list.Text[i] == "(") ++open;
     if (list.Text[i] == ")") ++close;
@@ -397,7 +398,7 @@ int16_t Engine::CompilePostfix(int slot) {
         return 0;
       }
       --top;
-    } else if (kind == kCommaKind) {
+    } else if (kind == kCommaKind && list.Text[t] == ",") {
       while (top > 0 && !isOpen(stack[top])) out(stack[top--]);
     } else if (kind == kBinaryKind || list.Text[t] == "!") {
       while (top > 0 && !isOpen(stack[top]) && list.Precedence[stack[top]] <= list.Precedence[t]) {
@@ -422,8 +423,8 @@ int16_t Engine::CompilePostfix(int slot) {
   int depth = 0;
   for (int i = 1; i <= n; ++i) {
     int16_t kind = Program.cells_[i].Kind;
-    int take = kind == kOperandKind ? 0 : kind == kUnaryKind ? 1 : kind == kBinaryKind ? 2 : kind >= 5 ? kind - 4 : 0;
-    int give = (kind == kOperandKind || kind == kUnaryKind || kind == kBinaryKind || kind >= 5) ? 1 : 0;
+    int take = kind == kOperandKind ? 0 : kind == kUnaryKind ? 1 : kind == kBinaryKind ? 2 : kind >= 4 ? kind - 4 : 0;
+    int give = kind != kParenKind ? 1 : 0;  // commas never reach the output
     if (depth < take) {
       Fail(22);
       return 0;

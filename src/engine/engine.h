@@ -146,13 +146,17 @@ class Engine {
   // One point of a tool window: restore, fold sums at x, evaluate at x. failed() tells errors.
   double EvaluateAt(const SavedProgram& saved, double x);
 
+  // True while an evaluation, integral or sum is under way (a window may be handling events
+  // inside it); registering and deleting functions wait until it ends.
+  bool busy() const { return busyDepth_ > 0; }
+
   // ---- User functions ----
   int16_t userFunctionCount() const { return static_cast<int16_t>(CurrentSlot - 1); }
-  // Rec of the main window; true when the function was registered.
+  // Rec of the main window; true when the function was registered (false, silently, when busy).
   bool RegisterFormula(std::string_view formulaBoxText);
   // Line k (1-based) of the Function List window.
   std::string FunctionListLine(int k) const;
-  // Deletes the k-th function (1-based); false when there is none.
+  // Deletes the k-th function (1-based); false when there is none or the engine is busy.
   bool DeleteFunction(int k);
   // The store file's text: one line per function, "@" for every comma, CR LF endings.
   std::string StoreText() const;
@@ -192,6 +196,7 @@ class Engine {
   uint64_t sumsCheckedIdentity_ = ~uint64_t{0};
   bool savedHasSums_ = false;
   bool muted_ = false;  // trial compilations show no messages
+  int busyDepth_ = 0;
 
  public:
   // Built-in functions need the generator; exposed for them only.

@@ -116,7 +116,7 @@ struct Evaluator {
       const ProgramCell& cell = e.Program.cells_[i];
       const std::string& t = cell.Value;
       Instr in{Op::kError};
-      if (cell.Kind == kParenKind || cell.Kind == kCommaKind) continue;
+      if (cell.Kind == kParenKind || (cell.Kind == kCommaKind && t == ",")) continue;
       if (cell.Kind == kOperandKind) {
         int param = 0;
         if (params) {
@@ -384,7 +384,9 @@ double Engine::EvaluateProgram(int16_t n) {
     ev.Build(c, n, nullptr, toolMode);
   }
   ++evalDepth_;
+  ++busyDepth_;
   double r = ev.Run(c, nullptr);
+  --busyDepth_;
   --evalDepth_;
   return r;
 }

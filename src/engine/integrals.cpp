@@ -18,9 +18,19 @@ bool IsSingleName(std::string_view t) {
 
 }  // namespace
 
-int16_t Engine::ComputeIntegrals(int16_t n) { return ComputeEntries(n, false); }
+int16_t Engine::ComputeIntegrals(int16_t n) {
+  ++busyDepth_;
+  int16_t r = ComputeEntries(n, false);
+  --busyDepth_;
+  return r;
+}
 
-int16_t Engine::ComputeSigmas(int16_t n) { return ComputeEntries(n, true); }
+int16_t Engine::ComputeSigmas(int16_t n) {
+  ++busyDepth_;
+  int16_t r = ComputeEntries(n, true);
+  --busyDepth_;
+  return r;
+}
 
 int16_t Engine::ComputeEntries(int16_t n, bool sums) {
   const char* name = sums ? "sgm" : "integ";

@@ -30,6 +30,7 @@ void Engine::ReinsertIntegralArguments(int slot) {
 }
 
 bool Engine::RegisterFormula(std::string_view formulaBoxText) {
+  if (busy()) return false;
   BeginRun(-1, formulaBoxText);
   SplitFormula();
   if (ExpandIntegrals() < 0 || failed()) return false;
@@ -70,7 +71,7 @@ std::string Engine::FunctionListLine(int k) const {
 }
 
 bool Engine::DeleteFunction(int k) {
-  if (k < 1 || k >= CurrentSlot) return false;
+  if (busy() || k < 1 || k >= CurrentSlot) return false;
   for (int s = k; s + 1 < CurrentSlot; ++s) {
     TokenTable[s] = std::move(TokenTable[s + 1]);
     FunctionTable[s] = std::move(FunctionTable[s + 1]);
@@ -93,6 +94,7 @@ std::string Engine::StoreText() const {
 }
 
 void Engine::LoadStoreText(std::string_view text) {
+  if (busy()) return;
   size_t pos = 0;
   while (pos < text.size()) {
     size_t end = text.find('\n', pos);

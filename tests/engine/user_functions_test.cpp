@@ -195,3 +195,47 @@ TEST_F(StoreTest, DisplayLanguageFile) {
 
 }  // namespace
 }  // namespace merida
+
+namespace merida {
+namespace {
+
+TEST(UserFunctions, FunctionsWithoutParametersAreCalledWithEmptyParentheses) {
+  test::RecordingHost host;
+  Engine e(host);
+  ASSERT_TRUE(e.RegisterFormula("g=2*PI"));
+  EXPECT_EQ(e.FunctionListLine(1), "g()=2*PI");
+  EXPECT_EQ(Calc(e, "g()"), "6.28318530717958");
+  EXPECT_EQ(Calc(e, "g()+1"), "7.28318530717958");
+  EXPECT_EQ(Calc(e, "2*g()^2"), "78.9568352087147");
+  EXPECT_TRUE(host.errors.empty());
+}
+
+// A window handling events inside a long sum may try to change the function table.
+class DeletingHost : public test::RecordingHost {
+ public:
+  Engine* engine = nullptr;
+  bool deleted = true, registered = true;
+  void processEvents() override {
+    if (engine) {
+      deleted = engine->DeleteFunction(1);
+      registered = engine->RegisterFormula("z(x)=x");
+    }
+  }
+};
+
+TEST(UserFunctions, FunctionTableIsNotChangedDuringARun) {
+  DeletingHost host;
+  Engine e(host);
+  ASSERT_TRUE(e.RegisterFormula("sq(x)=x*x"));
+  ASSERT_TRUE(e.RegisterFormula("s(n)=sgm(sq(k),1,n,k)"));
+  host.engine = &e;
+  EXPECT_EQ(Calc(e, "s(3)+sq(2)"), "18");
+  EXPECT_FALSE(host.deleted);
+  EXPECT_FALSE(host.registered);
+  host.engine = nullptr;
+  EXPECT_FALSE(e.busy());
+  EXPECT_TRUE(e.DeleteFunction(1));
+}
+
+}  // namespace
+}  // namespace merida

@@ -16,10 +16,10 @@ int RunCalc(Context& ctx, const std::vector<std::string>& args) {
   for (size_t i = 0; i < args.size(); ++i) {
     if (args[i] == "--var") {
       if (i + 1 >= args.size()) return Usage(usage);
-      const std::string& spec = args[++i];
-      size_t eq = spec.find('=');
+      const std::string& binding = args[++i];
+      size_t eq = binding.find('=');
       if (eq == std::string::npos || eq == 0) return Usage(usage);
-      ctx.host.vars[spec.substr(0, eq)] = spec.substr(eq + 1);
+      ctx.host.vars[binding.substr(0, eq)] = binding.substr(eq + 1);
     } else if (!haveFormula) {
       formula = args[i];
       haveFormula = true;

@@ -61,12 +61,6 @@ HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translatio
   List2->setFont(font);
   (new QVBoxLayout(Frame2))->addWidget(List2);
 
-  auto makeButton = [this](const char* name) {
-    auto* button = new QPushButton(this);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setAutoDefault(false);
-    return button;
-  };
   Command3 = makeButton("Command3");
   Command4 = makeButton("Command4");
   Command5 = makeButton("Command5");

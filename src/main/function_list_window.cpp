@@ -20,12 +20,6 @@ FunctionListWindow::FunctionListWindow(Engine& engine, AppState& state, MainWind
   List1->setObjectName(QStringLiteral("List1"));
   List1->setMinimumSize(360, 200);
 
-  auto makeButton = [this](const char* name) {
-    auto* button = new QPushButton(this);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setAutoDefault(false);
-    return button;
-  };
   Command3 = makeButton("Command3");
   Command2 = makeButton("Command2");
   Command4 = makeButton("Command4");

@@ -29,12 +29,6 @@ PadWindow::PadWindow(Engine& engine, AppState& state, MainWindow& main, QWidget*
   Label1->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   (new QVBoxLayout(Frame1))->addWidget(Label1);
 
-  auto makeButton = [this](const char* name) {
-    auto* button = new QPushButton(this);
-    button->setObjectName(QString::fromLatin1(name));
-    button->setAutoDefault(false);
-    return button;
-  };
   Command1 = makeButton("Command1");
   Command2 = makeButton("Command2");
   Command3 = makeButton("Command3");

@@ -30,6 +30,13 @@ void ToolWindow::printWindow() {
   painter.drawPixmap(QRect(page.topLeft(), size), image);
 }
 
+QPushButton* ToolWindow::makeButton(const char* name) {
+  auto* button = new QPushButton(this);
+  button->setObjectName(QString::fromLatin1(name));
+  button->setAutoDefault(false);
+  return button;
+}
+
 void ToolWindow::closeEvent(QCloseEvent* event) {
   engine_.StopRequested = 1;
   QWidget::closeEvent(event);

@@ -1,6 +1,7 @@
 // The base of every window: captions in the display language, printing, stopping a run.
 #pragma once
 
+#include <QPushButton>
 #include <QWidget>
 
 #include "engine/engine.h"
@@ -21,6 +22,8 @@ class ToolWindow : public QWidget {
   bool japanese() const { return state_.japanese(); }
   // Prints the window as shown: the default printer, or a PDF the user names when none is set up.
   void printWindow();
+  // A push button named (and objectName'd) as the code refers to it; Enter never presses it.
+  QPushButton* makeButton(const char* name);
   // Closing stops a running computation.
   void closeEvent(QCloseEvent* event) override;
 

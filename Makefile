@@ -29,6 +29,8 @@ bench:
 	@test -f build/bench/build.ninja || cmake --preset bench
 	cmake --build --preset bench
 	./build/bench/bench/engine_bench
+	./build/bench/bench/graph_bench
+	./build/bench/bench/graph_chart_bench
 	bench/primes_vs_primesieve.sh build/bench/merida-cli
 
 clean:

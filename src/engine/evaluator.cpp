@@ -213,7 +213,7 @@ struct Evaluator {
 
   // The stack machine. `top` holds the top value and is also the value last produced,
   // which a stopped run gives its variables; below it, the stack grows upward from slot 1.
-  [[gnu::hot]] double Run(CompiledCode& c, const double* args) {
+  [[gnu::hot, gnu::always_inline]] inline double Run(CompiledCode& c, const double* args) {
     double* sp = c.stack.data();
     double top = 0;
     double reg[2] = {e.XValue, 0};
@@ -366,6 +366,7 @@ struct Evaluator {
 };
 
 CompiledCode& Engine::CodeAtDepth() {
+  if (static_cast<size_t>(evalDepth_) < code_.size()) [[likely]] return *code_[evalDepth_];
   while (code_.size() <= static_cast<size_t>(evalDepth_)) code_.push_back(std::make_unique<CompiledCode>());
   return *code_[evalDepth_];
 }
@@ -392,7 +393,7 @@ double Engine::EvaluateProgram(int16_t n) {
 }
 
 double Engine::EvaluateAt(const SavedProgram& saved, double x) {
-  RestoreProgram(saved);
+  if (Program.identity_ != saved.program.identity_) RestoreProgram(saved);
   int16_t n = saved.n;
   XValue = x;
   if (sumsCheckedIdentity_ != saved.program.identity_) {

@@ -62,6 +62,7 @@ void PrimeLinesModel::finishListing() {
 
 PrimeWindow::PrimeWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent), model_(new PrimeLinesModel(this)), ticker_(new QTimer(this)) {
+  setObjectName("PrimeWindow");
   auto make = [this](auto*& member, const char* name) {
     member = new std::remove_reference_t<decltype(*member)>(this);
     member->setObjectName(name);

@@ -32,6 +32,7 @@ QTableWidgetItem* HeaderItem(const QString& text) {
 }  // namespace
 
 SimultWindow::SimultWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
+  setObjectName("SimultWindow");
   auto make = [this](auto*& member, const char* name) {
     member = new std::remove_reference_t<decltype(*member)>(this);
     member->setObjectName(name);

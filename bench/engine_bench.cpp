@@ -39,6 +39,17 @@ const Formula kFormulas[] = {
 
 class QuietHost : public merida::SilentHost {};
 
+// Evaluates one point per iteration, moving x a little each time, as a plot does.
+void EvaluatePoints(benchmark::State& state, Engine& e, const SavedProgram& saved) {
+  double x = 0.1;
+  for (auto _ : state) {
+    double y = e.EvaluateAt(saved, x);
+    benchmark::DoNotOptimize(y);
+    x += 1e-4;
+  }
+  if (e.failed()) state.SkipWithError("evaluation failed");
+}
+
 // Compiles the formula for a tool window: BindToX = 1, one saved program.
 SavedProgram CompileTool(Engine& e, const char* formula) {
   e.BeginRun(1, formula);
@@ -57,14 +68,7 @@ void BM_Merida(benchmark::State& state) {
   const Formula& f = kFormulas[state.range(0)];
   QuietHost host;
   Engine e(host);
-  SavedProgram saved = CompileTool(e, f.merida);
-  double x = 0.1;
-  for (auto _ : state) {
-    double y = e.EvaluateAt(saved, x);
-    benchmark::DoNotOptimize(y);
-    x += 1e-4;
-  }
-  if (e.failed()) state.SkipWithError("evaluation failed");
+  EvaluatePoints(state, e, CompileTool(e, f.merida));
   state.SetLabel(f.name);
 }
 
@@ -135,14 +139,7 @@ void BM_UserFunctionCall(benchmark::State& state) {
   QuietHost host;
   Engine e(host);
   e.RegisterFormula("sq(t)=t*t+1");
-  SavedProgram saved = CompileTool(e, "sq(x)+x");
-  double x = 0.1;
-  for (auto _ : state) {
-    double y = e.EvaluateAt(saved, x);
-    benchmark::DoNotOptimize(y);
-    x += 1e-4;
-  }
-  if (e.failed()) state.SkipWithError("evaluation failed");
+  EvaluatePoints(state, e, CompileTool(e, "sq(x)+x"));
 }
 BENCHMARK(BM_UserFunctionCall);
 

@@ -13,12 +13,6 @@
 namespace merida {
 namespace {
 
-QPushButton* Button(const char* name) {
-  auto* b = new QPushButton;
-  b->setObjectName(name);
-  return b;
-}
-
 QGroupBox* BoxFrame(const char* frameName, QLineEdit*& box, const char* boxName) {
   auto* frame = new QGroupBox;
   frame->setObjectName(frameName);
@@ -40,14 +34,14 @@ ChartWidget::Type ChartTypeOf(ChartType t) {
 GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
   setObjectName("GraphWindow");
-  Command1 = Button("Command1");
-  Command2 = Button("Command2");
-  Command3 = Button("Command3");
-  Command4 = Button("Command4");
-  Command5 = Button("Command5");
-  Command6 = Button("Command6");
-  Command7 = Button("Command7");
-  Command8 = Button("Command8");
+  Command1 = makeButton("Command1");
+  Command2 = makeButton("Command2");
+  Command3 = makeButton("Command3");
+  Command4 = makeButton("Command4");
+  Command5 = makeButton("Command5");
+  Command6 = makeButton("Command6");
+  Command7 = makeButton("Command7");
+  Command8 = makeButton("Command8");
   Frame1 = BoxFrame("Frame1", Text1, "Text1");
   Frame2 = BoxFrame("Frame2", Text2, "Text2");
   Frame3 = BoxFrame("Frame3", Text3, "Text3");

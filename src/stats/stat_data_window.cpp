@@ -23,20 +23,15 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
     b->setObjectName(name);
     return b;
   };
-  auto button = [](const char* name) {
-    auto* b = new QPushButton;
-    b->setObjectName(name);
-    return b;
-  };
   Label1 = label("Label1");
   Label2 = label("Label2");
   Label3 = label("Label3");
   Text1 = box("Text1");
   Text2 = box("Text2");
   Text3 = box("Text3");
-  Command1 = button("Command1");
-  Command2 = button("Command2");
-  Command3 = button("Command3");
+  Command1 = makeButton("Command1");
+  Command2 = makeButton("Command2");
+  Command3 = makeButton("Command3");
   Grid1 = new QTableWidget;
   Grid1->setObjectName("Grid1");
   Grid1->horizontalHeader()->hide();

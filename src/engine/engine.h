@@ -144,7 +144,14 @@ class Engine {
   // True when the program holds sum cells that must be folded at every point.
   bool programHasSums(int16_t n) const;
   // One point of a tool window: restore, fold sums at x, evaluate at x. failed() tells errors.
-  double EvaluateAt(const SavedProgram& saved, double x);
+  // Inline so that a tool's loop goes straight to built lean code.
+  double EvaluateAt(const SavedProgram& saved, double x) {
+    if (saved.program.identity_ == pureIdentity_ && Program.identity_ == pureIdentity_ && saved.n == pureN_ &&
+        evalDepth_ == 0 && (BindToX == 1 || IntegralBinding == 1) && x != 0) [[likely]] {
+      return EvaluatePure(x);
+    }
+    return EvaluateAtSlow(saved, x);
+  }
 
   // True while an evaluation, integral or sum is under way (a window may be handling events
   // inside it); registering and deleting functions wait until it ends.
@@ -184,6 +191,8 @@ class Engine {
   bool BuildCallCode(int slot);
   void InvalidateCallCache();
   CompiledCode& CodeAtDepth();
+  double EvaluateAtSlow(const SavedProgram& saved, double x);
+  [[gnu::noinline]] double EvaluatePure(double x);
 
   EngineHost* host_;
   std::string currentMessage_;
@@ -195,6 +204,9 @@ class Engine {
   uint64_t functionsVersion_ = 0;  // changes whenever functions are registered or deleted
   uint64_t sumsCheckedIdentity_ = ~uint64_t{0};
   bool savedHasSums_ = false;
+  // The program whose built code at depth 0 is pure: EvaluateAt goes straight to it.
+  uint64_t pureIdentity_ = ~uint64_t{0};
+  int16_t pureN_ = 0;
   bool muted_ = false;  // trial compilations show no messages
   int busyDepth_ = 0;
 

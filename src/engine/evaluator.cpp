@@ -86,6 +86,66 @@ void Fuse(std::vector<Instr>& code, bool toolMode) {
   Fuse(code, toolMode);  // x 2 ^ becomes x^2 in one step
 }
 
+// The lean form of tool-mode code, or nothing when a step needs the full machine (calls,
+// random numbers, literal overflows, powers that can give 1 or a reciprocal).
+std::vector<PureInstr> MakePure(const std::vector<Instr>& code) {
+  std::vector<PureInstr> out;
+  auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == PureOp::kPushTerm; };
+  auto reg = [](const Instr& in) { return static_cast<uint8_t>(in.count); };
+  for (const Instr& in : code) {
+    switch (in.op) {
+      case Op::kConst: out.push_back({PureOp::kPushC, 0, 1, in.value}); break;
+      case Op::kPushR: out.push_back({PureOp::kPushTerm, reg(in), 1, 1}); break;
+      case Op::kCMulR: out.push_back({PureOp::kPushTerm, reg(in), 1, in.value}); break;
+      case Op::kRPowInt:
+        if (in.arg < 0) return {};
+        if (in.arg == 0) out.push_back({PureOp::kPushC, 0, 1, 1});
+        else out.push_back({PureOp::kPushTerm, reg(in), in.arg, 1});
+        break;
+      case Op::kMulC:
+        // r^k * c: the product the separate steps make.
+        if (lastIsPlainTerm() && out.back().c == 1) out.back().c = in.value;
+        else out.push_back({PureOp::kMulC, 0, 1, in.value});
+        break;
+      case Op::kAddC: out.push_back({PureOp::kAddC, 0, 1, in.value}); break;
+      case Op::kSubC: out.push_back({PureOp::kSubC, 0, 1, in.value}); break;
+      case Op::kDivC: out.push_back({PureOp::kDivC, 0, 1, in.value}); break;
+      case Op::kAddR: out.push_back({PureOp::kAddTerm, reg(in), 1, 1}); break;
+      case Op::kSubR: out.push_back({PureOp::kSubTerm, reg(in), 1, 1}); break;
+      case Op::kMulR: out.push_back({PureOp::kMulTerm, reg(in), 1, 1}); break;
+      case Op::kDivR: out.push_back({PureOp::kDivReg, reg(in), 1, 1}); break;
+      case Op::kAdd: case Op::kSub: case Op::kMul: {
+        bool add = in.op == Op::kAdd, sub = in.op == Op::kSub;
+        if (lastIsPlainTerm()) {
+          out.back().op = add ? PureOp::kAddTerm : sub ? PureOp::kSubTerm : PureOp::kMulTerm;
+        } else {
+          out.push_back({add ? PureOp::kAdd : sub ? PureOp::kSub : PureOp::kMul});
+        }
+        break;
+      }
+      case Op::kDiv: out.push_back({PureOp::kDiv}); break;
+      case Op::kPowInt:
+        if (in.arg < 1) return {};  // x^0 is 1 even for an overflowed x
+        out.push_back({PureOp::kPowInt, 0, in.arg, 1});
+        break;
+      case Op::kPow: out.push_back({PureOp::kPow}); break;
+      case Op::kUnary: out.push_back({PureOp::kUnary, 0, 1, 1, in.fn}); break;
+      case Op::kBinary: out.push_back({PureOp::kBinary, 0, 1, 1, in.fn}); break;
+      default:
+        return {};
+    }
+  }
+  out.push_back({PureOp::kEnd});
+  return out;
+}
+
+// a^k for k >= 1 by repeated products, as the power step makes it (for a != 0).
+[[gnu::always_inline]] inline double IntPower(double a, int k) {
+  double r = a;
+  for (int i = 1; i < k; ++i) r *= a;
+  return r;
+}
+
 uint64_t SplitMix(uint64_t& s) {
   uint64_t z = (s += 0x9E3779B97F4A7C15ull);
   z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
@@ -184,6 +244,92 @@ struct Evaluator {
     size_t stateSize = toolMode ? 0 : c.vars.size();
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
+    c.pure = toolMode && !params ? MakePure(code) : std::vector<PureInstr>{};
+  }
+
+  // Lean code over the registers x and x read back. x = 0 never comes here, so a term's
+  // power needs no care for the sign of zero.
+  double RunPure(CompiledCode& c, const double r0, const double r1) {
+    double* const base = c.stack.data();
+    double* sp = base;
+    double top = 0;
+    auto term = [&](const PureInstr& p) { return IntPower(p.reg ? r1 : r0, p.k) * p.c; };
+    auto fail = [&](int code, const char* fault) { return PureFailed(code, fault, top, base, sp); };
+    for (const PureInstr* p = c.pure.data();; ++p) {
+      switch (p->op) {
+        case PureOp::kPushC: *++sp = top; top = p->c; continue;
+        case PureOp::kPushTerm: *++sp = top; top = term(*p); continue;
+        case PureOp::kAddTerm: top = top + term(*p); continue;
+        case PureOp::kSubTerm: top = top - term(*p); continue;
+        case PureOp::kMulTerm: top = top * term(*p); continue;
+        case PureOp::kDivReg:
+          if ((p->reg ? r1 : r0) == 0) return fail(11, nullptr);
+          top = top / (p->reg ? r1 : r0);
+          continue;
+        case PureOp::kAddC: top = top + p->c; continue;
+        case PureOp::kSubC: top = top - p->c; continue;
+        case PureOp::kMulC: top = top * p->c; continue;
+        case PureOp::kDivC: top = top / p->c; continue;
+        case PureOp::kAdd: top = *sp-- + top; continue;
+        case PureOp::kSub: top = *sp-- - top; continue;
+        case PureOp::kMul: top = *sp-- * top; continue;
+        case PureOp::kDiv:
+          if (!std::isfinite(top)) return fail(kFault, "Overflow");  // n/inf would hide it
+          if (top == 0) return fail(11, nullptr);
+          top = *sp-- / top;
+          continue;
+        case PureOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+        case PureOp::kUnary:
+          if (!std::isfinite(top)) return fail(kFault, "Overflow");
+          switch (p->fn) {
+            case Builtin::kSin: top = std::sin(top); continue;
+            case Builtin::kCos: top = std::cos(top); continue;
+            case Builtin::kAtan: top = std::atan(top); continue;
+            case Builtin::kAbs: top = std::fabs(top); continue;
+            case Builtin::kTan: top = std::tan(top); continue;
+            case Builtin::kExp: top = std::exp(top); continue;
+            case Builtin::kSqr:
+              if (top < 0) return fail(12, nullptr);
+              top = std::sqrt(top);
+              continue;
+            case Builtin::kLn:
+              if (top <= 0) return fail(13, nullptr);
+              top = std::log(top);
+              continue;
+            default: {
+              Applied r = ApplyBuiltin(p->fn, 0, top);
+              if (r.status) return fail(r.status, r.fault);
+              top = r.value;
+              continue;
+            }
+          }
+        case PureOp::kBinary: case PureOp::kPow: {
+          if (!std::isfinite(top) || !std::isfinite(*sp)) return fail(kFault, "Overflow");
+          Applied r = p->op == PureOp::kPow ? Power(*sp, top) : ApplyBuiltin(p->fn, *sp, top);
+          --sp;
+          if (r.status) return fail(r.status, r.fault);
+          top = r.value;
+          continue;
+        }
+        case PureOp::kEnd: break;
+      }
+      break;
+    }
+    if (!std::isfinite(top)) [[unlikely]] return fail(kFault, "Overflow");
+    return top;
+  }
+
+  // A failing lean step reports the overflow before it, if one is on the stack, as the fault
+  // it was. Out of line so that the lean loop keeps its values in registers.
+  [[gnu::noinline, gnu::cold]] double PureFailed(int code, const char* fault, double top, const double* base,
+                                                  const double* sp) {
+    bool overflowed = !std::isfinite(top);
+    for (const double* q = base + 1; q <= sp; ++q) overflowed = overflowed || !std::isfinite(*q);
+    ++e.busyDepth_;  // a message box may handle events
+    if (overflowed || code == kFault) Fault(overflowed ? "Overflow" : fault);
+    else e.Fail(code);
+    --e.busyDepth_;
+    return 0.0;
   }
 
   // The value of a first variable cell, by the operand rules 4 to 7.
@@ -382,17 +528,26 @@ double Engine::EvaluateProgram(int16_t n) {
   bool toolMode = BindToX == 1 || IntegralBinding == 1;
   if (c.identity != Program.identity_ || c.n != n || c.functionsVersion != functionsVersion_ ||
       c.toolMode != toolMode) {
+    if (evalDepth_ == 0) pureIdentity_ = ~uint64_t{0};
     ev.Build(c, n, nullptr, toolMode);
   }
   ++evalDepth_;
   ++busyDepth_;
-  double r = ev.Run(c, nullptr);
+  double r = c.pure.empty() || XValue == 0 ? ev.Run(c, nullptr)
+                                           : ev.RunPure(c, XValue, c.usesRounded ? Round15(XValue) : 0);
   --busyDepth_;
   --evalDepth_;
   return r;
 }
 
-double Engine::EvaluateAt(const SavedProgram& saved, double x) {
+double Engine::EvaluatePure(double x) {
+  ErrorFlag = 0;
+  XValue = x;
+  CompiledCode& c = *code_[0];
+  return Evaluator{*this}.RunPure(c, x, c.usesRounded ? Round15(x) : 0);
+}
+
+double Engine::EvaluateAtSlow(const SavedProgram& saved, double x) {
   if (Program.identity_ != saved.program.identity_) RestoreProgram(saved);
   int16_t n = saved.n;
   XValue = x;
@@ -410,7 +565,13 @@ double Engine::EvaluateAt(const SavedProgram& saved, double x) {
     }
     XValue = x;
   }
-  return EvaluateProgram(n);
+  double r = EvaluateProgram(n);
+  if (!savedHasSums_ && evalDepth_ == 0 && !code_.empty() && !code_[0]->pure.empty() &&
+      code_[0]->identity == saved.program.identity_ && code_[0]->n == n && Program.identity_ == saved.program.identity_) {
+    pureIdentity_ = saved.program.identity_;
+    pureN_ = n;
+  }
+  return r;
 }
 
 void Engine::ReportFault(const char* description) {
@@ -448,6 +609,7 @@ double Engine::NextRandom(bool reseed) {
 
 void Engine::InvalidateCallCache() {
   ++functionsVersion_;
+  pureIdentity_ = ~uint64_t{0};
   callCache_.clear();
 }
 

@@ -38,6 +38,25 @@ struct Instr {
   double value = 0;
 };
 
+// The lean form of tool-mode code. Steps that keep a non-finite value non-finite (+, -, *,
+// divisions, positive integral powers) run unchecked; a step that could hide one (a function)
+// checks its input, and a step that fails first looks for an earlier overflow on the stack.
+// So any overflow is still reported as a fault and before any later error, with one check
+// at the end. A term is c * register^k, computed exactly as the steps it replaces.
+enum class PureOp : uint8_t {
+  kPushC, kPushTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
+  kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
+  kUnary, kBinary, kPow, kEnd,
+};
+
+struct PureInstr {
+  PureOp op;
+  uint8_t reg = 0;
+  int16_t k = 1;
+  double c = 1;
+  Builtin fn = Builtin::kNone;
+};
+
 struct VariableSlot {
   std::string name;
   double unboundValue = 0;  // what a linked cell reads when the first cell kept its name
@@ -50,6 +69,7 @@ struct CompiledCode {
   bool toolMode = false;        // built for BindToX = 1: variables read x directly
   bool usesRounded = false;     // register 1 is needed
   std::vector<Instr> code;
+  std::vector<PureInstr> pure;  // empty unless the whole code has a lean form
   std::vector<VariableSlot> vars;
   // Run-time storage, sized once so that evaluating allocates nothing.
   std::array<double, kMaxTokens + 2> stack{};

@@ -93,6 +93,28 @@ struct Pow10Table {
 };
 const Pow10Table kPow10U;
 
+// Veltkamp halves of 10^q (26 significant bits or fewer each), made at compile time.
+struct SplitPow10 {
+  double hi[23], lo[23];
+  constexpr SplitPow10() : hi{}, lo{} {
+    for (int i = 0; i < 23; ++i) {
+      double c = 134217729.0 * kPow10[i];
+      hi[i] = c - (c - kPow10[i]);
+      lo[i] = kPow10[i] - hi[i];
+    }
+  }
+};
+constexpr SplitPow10 kSplit10;
+
+// a * 10^q - t exactly, where t is the rounded product (Dekker's product). The halves of a
+// come from masking its bits, which no contraction of the arithmetic can disturb.
+double ProductError(double a, double t, int q) {
+  double ah = std::bit_cast<double>(std::bit_cast<uint64_t>(a) & ~((uint64_t{1} << 27) - 1));
+  double al = a - ah;
+  double ph = kSplit10.hi[q], pl = kSplit10.lo[q];
+  return ((ah * ph - t) + ah * pl + al * ph) + al * pl;
+}
+
 double Round15Slow(double v) {
   char buf[64];
   auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
@@ -157,46 +179,34 @@ double ReadLenient(std::string_view text) {
   return std::isfinite(v) ? v : 0;
 }
 
-double Round15(double v) {
+namespace detail {
+
+const double kRoundPow10[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+const double kRoundPow10From[23] = {1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3, 1e4,
+                                    1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+double Round15Tie(double a, double t, double whole, double frac, int q) {
+  double err = ProductError(a, t, q);
+  if (frac > 0 && err > 0) return whole + 1;
+  if (frac < 0 && err < 0) return whole - 1;
+  return whole;  // a true half: the even neighbour, which whole already is
+}
+
+// Zero, subnormals, infinities, NaN and magnitudes outside [1e-7, 1e15).
+double Round15Rare(double v) {
   uint64_t bits = std::bit_cast<uint64_t>(v);
   int biased = static_cast<int>((bits >> 52) & 0x7FF);
-  // Zero, subnormals, infinities and NaN, and magnitudes outside [1e-7, 1e35): by text.
   if (biased == 0 || biased == 0x7FF) return v == 0 ? 0.0 : v;
   int exp2 = biased - 1023;  // v = 1.f * 2^exp2
-  if (exp2 < -24 || exp2 > 115) return Round15Slow(v);
   double a = std::fabs(v);
   if (a < 1e-7 || a >= 1e35) return Round15Slow(v);
   uint64_t m = (bits & ((uint64_t{1} << 52) - 1)) | (uint64_t{1} << 52);
   int k = exp2 - 52;  // a = m * 2^k exactly
-
-  // The decimal exponent; off by one only within an ulp of a power of ten, where both
-  // candidate roundings give that power.
-  int e = (exp2 * 78913) >> 18;  // floor(exp2 * log10(2)) for |exp2| < 1650
+  int e = (exp2 * 78913) >> 18;
   if (e + 1 < 35 && a >= kPow10Signed[e + 1 + kPow10Bias]) ++e;
-  int q = 14 - e;  // decimal places that make a a 15-digit integer
-
-  if (q >= 0) {
-    // a * 10^q below 2^50 is off from the exact product by at most 1/16, so rounding it gives
-    // the exact result unless the fraction lies within 1/16 of a half; those go the slow way.
-    constexpr double kTwo52 = 4503599627370496.0;
-    double t = a * kPow10[q];
-    double whole = (t + kTwo52) - kTwo52;  // rounds to an integer, halves to even
-    double frac = t - whole;
-    if (std::fabs(std::fabs(frac) - 0.5) > 0.0625) {
-      double r = whole / kPow10[q];
-      return v < 0 ? -r : r;
-    }
-    unsigned __int128 p = static_cast<unsigned __int128>(m) * kPow10U.v[q];
-    int shift = -k;
-    if (shift <= 0 || shift >= 127) return Round15Slow(v);
-    unsigned __int128 n = p >> shift;
-    unsigned __int128 rem = p - (n << shift);
-    unsigned __int128 half = static_cast<unsigned __int128>(1) << (shift - 1);
-    if (rem > half || (rem == half && (n & 1))) ++n;
-    double r = static_cast<double>(static_cast<uint64_t>(n)) / kPow10[q];
-    return v < 0 ? -r : r;
-  }
-  int down = -q;
+  int down = e - 14;  // a / 10^down is a 15-digit integer
+  if (down < 0) return Round15Slow(v);
   unsigned __int128 num = m, den = kPow10U.v[down];
   if (k >= 0) num <<= k;
   else den <<= -k;
@@ -206,6 +216,8 @@ double Round15(double v) {
   double r = static_cast<double>(static_cast<uint64_t>(n)) * kPow10[down];
   return v < 0 ? -r : r;
 }
+
+}  // namespace detail
 
 std::optional<int16_t> ToInt16(double v) {
   if (!std::isfinite(v)) return std::nullopt;

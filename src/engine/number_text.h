@@ -1,6 +1,8 @@
 // Number texts and number reading shared by the engine and every window.
 #pragma once
 
+#include <bit>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -28,8 +30,33 @@ std::optional<double> ReadNumber(std::string_view text);
 // Lenient reading: leading blanks skipped, the longest numeric prefix, else 0 (also on overflow).
 double ReadLenient(std::string_view text);
 
+namespace detail {
+extern const double kRoundPow10[23];      // 1e0 .. 1e22
+extern const double kRoundPow10From[23];  // 1e-7 .. 1e15
+double Round15Tie(double a, double t, double whole, double frac, int q);
+double Round15Rare(double v);
+}  // namespace detail
+
 // The value a number takes after being written in plain form and read back (15 digits).
-double Round15(double v);
+// Inline because tool windows read x back this way at every point.
+inline double Round15(double v) {
+  double a = std::fabs(v);
+  if (!(a >= 1e-7 && a < 1e15)) [[unlikely]] return detail::Round15Rare(v);
+  // The decimal exponent e: floor(exp2 * log10 2), corrected by one comparison.
+  int exp2 = static_cast<int>(std::bit_cast<uint64_t>(a) >> 52) - 1023;
+  int e = (exp2 * 78913) >> 18;
+  e += a >= detail::kRoundPow10From[e + 8];
+  // t = a * 10^q lies below 2^50, so it is within 1/16 of the exact product and its fraction
+  // is a multiple of 1/64 or coarser: rounding t gives the exact 15 digits unless t sits on
+  // a half, where the sign of the product's rounding error decides.
+  const double p = detail::kRoundPow10[14 - e];
+  constexpr double kTwo52 = 4503599627370496.0;
+  double t = a * p;
+  double whole = (t + kTwo52) - kTwo52;  // halves to even
+  double frac = t - whole;
+  if (std::fabs(frac) == 0.5) [[unlikely]] whole = detail::Round15Tie(a, t, whole, frac, 14 - e);
+  return std::copysign(whole / p, v);
+}
 
 // A value rounded to the nearest integer, halves to even, if it fits 16 bits.
 std::optional<int16_t> ToInt16(double v);

@@ -98,6 +98,16 @@ TEST(NumberText, Round15MatchesTextRoundTrip) {
                             9.999999999999999e22, 1e35, 123.456, 5e-324, std::numeric_limits<double>::max()};
   for (double v : special) EXPECT_EQ(Round15(v), slow(v)) << std::hexfloat << v;
   EXPECT_EQ(Round15(0.0), 0.0);
+  // Values next to a half in the 16th digit, where the product's rounding error decides.
+  std::uniform_int_distribution<int64_t> digits(100000000000000, 999999999999999);
+  std::uniform_int_distribution<int> places(0, 21);
+  for (int i = 0; i < 200000; ++i) {
+    double v = (static_cast<double>(digits(rng)) + 0.5) / std::pow(10.0, places(rng));
+    for (double w : {v, std::nextafter(v, 0.0), std::nextafter(v, 1e300)}) {
+      ASSERT_EQ(Round15(w), slow(w)) << std::hexfloat << w;
+      ASSERT_EQ(Round15(-w), slow(-w)) << std::hexfloat << w;
+    }
+  }
 }
 
 TEST(NumberText, SixteenBitRounding) {

@@ -153,6 +153,10 @@ class Engine {
     return EvaluateAtSlow(saved, x);
   }
 
+  // Off: every program runs on the full stack machine, never the lean form of tool code.
+  // The two must agree to the bit; tests compare them.
+  void setLeanCode(bool on);
+
   // True while an evaluation, integral or sum is under way (a window may be handling events
   // inside it); registering and deleting functions wait until it ends.
   bool busy() const { return busyDepth_ > 0; }
@@ -206,6 +210,7 @@ class Engine {
   bool savedHasSums_ = false;
   // The program whose built code at depth 0 is pure: EvaluateAt goes straight to it.
   uint64_t pureIdentity_ = ~uint64_t{0};
+  bool leanCode_ = true;
   int16_t pureN_ = 0;
   bool muted_ = false;  // trial compilations show no messages
   int busyDepth_ = 0;

@@ -244,7 +244,7 @@ struct Evaluator {
     size_t stateSize = toolMode ? 0 : c.vars.size();
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
-    c.pure = toolMode && !params ? MakePure(code) : std::vector<PureInstr>{};
+    c.pure = toolMode && !params && e.leanCode_ ? MakePure(code) : std::vector<PureInstr>{};
   }
 
   // Lean code over the registers x and x read back. x = 0 never comes here, so a term's
@@ -605,6 +605,12 @@ double Engine::NextRandom(bool reseed) {
     randomState_ ^= static_cast<uint64_t>(now);
   }
   return static_cast<double>(SplitMix(randomState_) >> 11) * 0x1.0p-53;
+}
+
+void Engine::setLeanCode(bool on) {
+  leanCode_ = on;
+  for (auto& c : code_) c->identity = ~uint64_t{0};
+  pureIdentity_ = ~uint64_t{0};
 }
 
 void Engine::InvalidateCallCache() {

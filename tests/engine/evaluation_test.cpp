@@ -1,4 +1,5 @@
 // Operand rules: asking, linking, tool-window binding, stop, policy; EvaluateConstantText.
+#include <bit>
 #include <cmath>
 
 #include "engine/engine.h"
@@ -196,6 +197,56 @@ TEST(Evaluation, HostileTextsEndInAnErrorOrAnAnswer) {
     auto answer = Calc(e, t);
     EXPECT_TRUE(answer || !host.errors.empty() || !host.faults.empty() || e.failed()) << t.substr(0, 40);
   }
+}
+
+
+// Tool code runs in a lean form that checks for overflow only where a step could hide it.
+// It must give the full machine's value to the bit, and the same error or fault, in the
+// same order: an overflow earlier in the formula wins over a later error.
+TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
+  const char* formulas[] = {
+      "x^2+3*x+1", "2*x^4-3*x^3+x^2-5*x+7", "sin(x)*cos(x)+exp(0-x^2)", "(x+1)*(x-1)/(x+2)",
+      "x-x", "0-x^3", "x^3*2-x", "x*x/x", "x/2/x", "3/x^2", "x^-2", "x^0", "x^x", "x^2.5",
+      "sqr(x)", "ln(x)", "Jn(1,x)", "comb(x,2)", "sin(x)^2/(1+cos(x)^2)", "abs(x)*1e308*10",
+      "x*1e300*1e300-ln(0)", "atan(x*1e300*1e300)", "exp(0-x*1e300*1e300)", "1/(x*1e300*1e300)",
+      "tanh(x*1e300)", "sqr(0-x)+x*1e300*1e300", "x*1e300*1e300/(x-x)", "(x*1e300*1e300)+sqr(0-1)",
+      "x*x*x*x", "1/(x-1)", "x/(x-x)", "(x-1)^2*(x+1)^2", "x^3/x^2", "x+x*x+x*x*x",
+  };
+  const double points[] = {1, -1, 0.3, 0.1 + 0.2, 2.5, 1e-8, 1e20, -1e200, 1e300, 0};
+  struct Outcome {
+    double value;
+    int16_t error;
+    bool fault;
+    std::vector<int> shown;
+  };
+  auto run = [&](bool lean, const char* formula, double x) {
+    RecordingHost host;
+    Engine e(host);
+    e.setLeanCode(lean);
+    int16_t n = CompileForTool(e, formula);
+    EXPECT_GT(n, 0) << formula;
+    SavedProgram saved = e.SaveProgram(n);
+    e.EvaluateAt(saved, 0.75);  // a first point builds the code; the second runs it as a tool's loop does
+    e.FaultFlag = false;
+    host.errors.clear();
+    double y = e.EvaluateAt(saved, x);
+    return Outcome{y, e.ErrorFlag, e.FaultFlag, host.errors};
+  };
+  for (const char* f : formulas) {
+    for (double x : points) {
+      Outcome lean = run(true, f, x), full = run(false, f, x);
+      EXPECT_EQ(std::bit_cast<uint64_t>(lean.value), std::bit_cast<uint64_t>(full.value))
+          << f << " at " << x << ": " << lean.value << " vs " << full.value;
+      EXPECT_EQ(lean.error, full.error) << f << " at " << x;
+      EXPECT_EQ(lean.fault, full.fault) << f << " at " << x;
+      EXPECT_EQ(lean.shown, full.shown) << f << " at " << x;
+    }
+  }
+  // The cases above must reach both outcomes, or they test nothing about ordering.
+  EXPECT_TRUE(run(true, "x*1e300*1e300-ln(0)", 1).fault);
+  EXPECT_EQ(run(true, "x*1e300*1e300-ln(0)", 1).shown, std::vector<int>{});
+  EXPECT_EQ(run(true, "x-ln(0)", 1).shown, std::vector<int>{13});
+  EXPECT_TRUE(run(true, "atan(x*1e300*1e300)", 1).fault);
 }
 
 }  // namespace

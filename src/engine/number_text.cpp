@@ -74,7 +74,7 @@ constexpr double kPow10[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8
 
 // Powers of ten 1e-8 .. 1e35 as doubles, for finding a value's decimal exponent.
 constexpr int kPow10Bias = 8;
-const double kPow10Signed[] = {1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,
+constexpr double kPow10Signed[] = {1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,
                                1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27,
                                1e28, 1e29, 1e30, 1e31, 1e32, 1e33, 1e34, 1e35};
@@ -181,12 +181,25 @@ double ReadLenient(std::string_view text) {
 
 namespace detail {
 
-const double kRoundPow10[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-const double kRoundPow10From[23] = {1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3, 1e4,
-                                    1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+constexpr Round15Scale MakeScale(int biased) {
+  int e = ((biased - 1023) * 78913) >> 18;  // floor(exp2 * log10 2): the binade's lowest decade
+  // kPow10Signed holds 1e-8 .. 1e35; kPow10 holds 1e0 .. 1e22.
+  double next = kPow10Signed[e + 1 + kPow10Bias];
+  double below = 14 - e >= 0 && 14 - e <= 22 ? kPow10[14 - e] : 0;
+  double above = 13 - e >= 0 && 13 - e <= 22 ? kPow10[13 - e] : 0;
+  return {next, below, above};
+}
 
-double Round15Tie(double a, double t, double whole, double frac, int q) {
+constexpr Round15ScaleTable MakeScaleTable() {
+  Round15ScaleTable t{};
+  for (int i = 0; i < kRound15Scales; ++i) t.v[i] = MakeScale(kRound15FirstBiased + i);
+  return t;
+}
+constexpr Round15ScaleTable kRound15Table = MakeScaleTable();
+
+double Round15Tie(double a, double t, double whole, double frac, double scale) {
+  int q = 0;
+  while (q < 22 && kPow10[q] != scale) ++q;
   double err = ProductError(a, t, q);
   if (frac > 0 && err > 0) return whole + 1;
   if (frac < 0 && err < 0) return whole - 1;

@@ -31,30 +31,41 @@ std::optional<double> ReadNumber(std::string_view text);
 double ReadLenient(std::string_view text);
 
 namespace detail {
-extern const double kRoundPow10[23];      // 1e0 .. 1e22
-extern const double kRoundPow10From[23];  // 1e-7 .. 1e15
-double Round15Tie(double a, double t, double whole, double frac, int q);
+// Per binary exponent of [1e-7, 1e15): the power of ten that starts the next decade in the
+// binade, and the scales that make a value below or above it a 15-digit integer.
+struct Round15Scale {
+  double next, below, above;
+};
+constexpr int kRound15FirstBiased = 999;  // 1e-7 lies in [2^-24, 2^-23)
+constexpr int kRound15Scales = 74;        // 1e15 lies in the last, [2^49, 2^50)
+struct Round15ScaleTable {
+  Round15Scale v[kRound15Scales];
+};
+extern const Round15ScaleTable kRound15Table;
+double Round15Tie(double a, double t, double whole, double frac, double scale);
 double Round15Rare(double v);
 }  // namespace detail
 
 // The value a number takes after being written in plain form and read back (15 digits).
-// Inline because tool windows read x back this way at every point.
+// Inline and short in latency because tool windows read x back this way at every point.
 inline double Round15(double v) {
-  double a = std::fabs(v);
-  if (!(a >= 1e-7 && a < 1e15)) [[unlikely]] return detail::Round15Rare(v);
-  // The decimal exponent e: floor(exp2 * log10 2), corrected by one comparison.
-  int exp2 = static_cast<int>(std::bit_cast<uint64_t>(a) >> 52) - 1023;
-  int e = (exp2 * 78913) >> 18;
-  e += a >= detail::kRoundPow10From[e + 8];
-  // t = a * 10^q lies below 2^50, so it is within 1/16 of the exact product and its fraction
-  // is a multiple of 1/64 or coarser: rounding t gives the exact 15 digits unless t sits on
-  // a half, where the sign of the product's rounding error decides.
-  const double p = detail::kRoundPow10[14 - e];
+  // Positive doubles order as their bits: one comparison tests 1e-7 <= |v| < 1e15.
+  constexpr uint64_t kLow = std::bit_cast<uint64_t>(1e-7), kHigh = std::bit_cast<uint64_t>(1e15);
+  const uint64_t bits = std::bit_cast<uint64_t>(v) & ~(uint64_t{1} << 63);
+  if (bits - kLow >= kHigh - kLow) [[unlikely]] return detail::Round15Rare(v);
+  const double a = std::bit_cast<double>(bits);
+  const detail::Round15Scale& s = detail::kRound15Table.v[(bits >> 52) - detail::kRound15FirstBiased];
+  // Both scalings start at once; the decade comparison only picks one.
+  const double tBelow = a * s.below, tAbove = a * s.above;
+  const bool above = a >= s.next;
+  const double t = above ? tAbove : tBelow, p = above ? s.above : s.below;
+  // t lies below 2^50, so it is within 1/16 of the exact product and its fraction is a
+  // multiple of 1/64 or coarser: rounding t gives the exact 15 digits unless t sits on a
+  // half, where the sign of the product's rounding error decides.
   constexpr double kTwo52 = 4503599627370496.0;
-  double t = a * p;
   double whole = (t + kTwo52) - kTwo52;  // halves to even
-  double frac = t - whole;
-  if (std::fabs(frac) == 0.5) [[unlikely]] whole = detail::Round15Tie(a, t, whole, frac, 14 - e);
+  const double frac = t - whole;
+  if (std::fabs(frac) == 0.5) [[unlikely]] whole = detail::Round15Tie(a, t, whole, frac, p);
   return std::copysign(whole / p, v);
 }
 

@@ -129,7 +129,22 @@ std::vector<PureInstr> MakePure(const std::vector<Instr>& code) {
         out.push_back({PureOp::kPowInt, 0, in.arg, 1});
         break;
       case Op::kPow: out.push_back({PureOp::kPow}); break;
-      case Op::kUnary: out.push_back({PureOp::kUnary, 0, 1, 1, in.fn}); break;
+      case Op::kUnary: {
+        PureOp op;
+        switch (in.fn) {
+          case Builtin::kSin: op = PureOp::kSin; break;
+          case Builtin::kCos: op = PureOp::kCos; break;
+          case Builtin::kAtan: op = PureOp::kAtan; break;
+          case Builtin::kAbs: op = PureOp::kAbs; break;
+          case Builtin::kTan: op = PureOp::kTan; break;
+          case Builtin::kExp: op = PureOp::kExp; break;
+          case Builtin::kSqr: op = PureOp::kSqr; break;
+          case Builtin::kLn: op = PureOp::kLn; break;
+          default: op = PureOp::kUnary; break;
+        }
+        out.push_back({op, 0, 1, 1, in.fn});
+        break;
+      }
       case Op::kBinary: out.push_back({PureOp::kBinary, 0, 1, 1, in.fn}); break;
       default:
         return {};
@@ -253,8 +268,9 @@ struct Evaluator {
     double* const base = c.stack.data();
     double* sp = base;
     double top = 0;
-    auto term = [&](const PureInstr& p) { return IntPower(p.reg ? r1 : r0, p.k) * p.c; };
-    auto fail = [&](int code, const char* fault) { return PureFailed(code, fault, top, base, sp); };
+    auto term = [r0, r1](const PureInstr& p) { return IntPower(p.reg ? r1 : r0, p.k) * p.c; };
+    // Values, not references: top and sp must stay in registers.
+#define LEAN_FAIL(code, fault) PureFailed(code, fault, top, base, sp)
     for (const PureInstr* p = c.pure.data();; ++p) {
       switch (p->op) {
         case PureOp::kPushC: *++sp = top; top = p->c; continue;
@@ -263,7 +279,7 @@ struct Evaluator {
         case PureOp::kSubTerm: top = top - term(*p); continue;
         case PureOp::kMulTerm: top = top * term(*p); continue;
         case PureOp::kDivReg:
-          if ((p->reg ? r1 : r0) == 0) return fail(11, nullptr);
+          if ((p->reg ? r1 : r0) == 0) return LEAN_FAIL(11, nullptr);
           top = top / (p->reg ? r1 : r0);
           continue;
         case PureOp::kAddC: top = top + p->c; continue;
@@ -274,40 +290,46 @@ struct Evaluator {
         case PureOp::kSub: top = *sp-- - top; continue;
         case PureOp::kMul: top = *sp-- * top; continue;
         case PureOp::kDiv:
-          if (!std::isfinite(top)) return fail(kFault, "Overflow");  // n/inf would hide it
-          if (top == 0) return fail(11, nullptr);
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // n/inf would hide it
+          if (top == 0) return LEAN_FAIL(11, nullptr);
           top = *sp-- / top;
           continue;
         case PureOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
-        case PureOp::kUnary:
-          if (!std::isfinite(top)) return fail(kFault, "Overflow");
-          switch (p->fn) {
-            case Builtin::kSin: top = std::sin(top); continue;
-            case Builtin::kCos: top = std::cos(top); continue;
-            case Builtin::kAtan: top = std::atan(top); continue;
-            case Builtin::kAbs: top = std::fabs(top); continue;
-            case Builtin::kTan: top = std::tan(top); continue;
-            case Builtin::kExp: top = std::exp(top); continue;
-            case Builtin::kSqr:
-              if (top < 0) return fail(12, nullptr);
-              top = std::sqrt(top);
-              continue;
-            case Builtin::kLn:
-              if (top <= 0) return fail(13, nullptr);
-              top = std::log(top);
-              continue;
-            default: {
-              Applied r = ApplyBuiltin(p->fn, 0, top);
-              if (r.status) return fail(r.status, r.fault);
-              top = r.value;
-              continue;
-            }
-          }
+        // A function could turn an overflow into a number (atan, exp of -inf): look first.
+#define MERIDA_UNARY(name, expr)                                      \
+  case PureOp::name:                                                  \
+    if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");         \
+    top = expr;                                                       \
+    continue;
+        MERIDA_UNARY(kSin, std::sin(top))
+        MERIDA_UNARY(kCos, std::cos(top))
+        MERIDA_UNARY(kAtan, std::atan(top))
+        MERIDA_UNARY(kAbs, std::fabs(top))
+        MERIDA_UNARY(kTan, std::tan(top))
+        MERIDA_UNARY(kExp, std::exp(top))
+#undef MERIDA_UNARY
+        case PureOp::kSqr:
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          if (top < 0) return LEAN_FAIL(12, nullptr);
+          top = std::sqrt(top);
+          continue;
+        case PureOp::kLn:
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          if (top <= 0) return LEAN_FAIL(13, nullptr);
+          top = std::log(top);
+          continue;
+        case PureOp::kUnary: {
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          Applied r = ApplyBuiltin(p->fn, 0, top);
+          if (r.status) return LEAN_FAIL(r.status, r.fault);
+          top = r.value;
+          continue;
+        }
         case PureOp::kBinary: case PureOp::kPow: {
-          if (!std::isfinite(top) || !std::isfinite(*sp)) return fail(kFault, "Overflow");
+          if (!std::isfinite(top) || !std::isfinite(*sp)) return LEAN_FAIL(kFault, "Overflow");
           Applied r = p->op == PureOp::kPow ? Power(*sp, top) : ApplyBuiltin(p->fn, *sp, top);
           --sp;
-          if (r.status) return fail(r.status, r.fault);
+          if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
           continue;
         }
@@ -315,8 +337,9 @@ struct Evaluator {
       }
       break;
     }
-    if (!std::isfinite(top)) [[unlikely]] return fail(kFault, "Overflow");
+    if (!std::isfinite(top)) [[unlikely]] return LEAN_FAIL(kFault, "Overflow");
     return top;
+#undef LEAN_FAIL
   }
 
   // A failing lean step reports the overflow before it, if one is on the stack, as the fault

@@ -46,6 +46,7 @@ struct Instr {
 enum class PureOp : uint8_t {
   kPushC, kPushTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
   kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
+  kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
   kUnary, kBinary, kPow, kEnd,
 };
 

@@ -154,6 +154,22 @@ std::vector<PureInstr> MakePure(const std::vector<Instr>& code) {
   return out;
 }
 
+// True when lean code is one running value: a first term or constant, then steps that
+// combine it with terms and constants. Such code runs in registers with no stack.
+bool IsTermsOnly(const std::vector<PureInstr>& pure) {
+  if (pure[0].op != PureOp::kPushC && pure[0].op != PureOp::kPushTerm) return false;
+  for (size_t i = 1; i < pure.size(); ++i) {
+    switch (pure[i].op) {
+      case PureOp::kAddTerm: case PureOp::kSubTerm: case PureOp::kMulTerm: case PureOp::kAddC:
+      case PureOp::kSubC: case PureOp::kMulC: case PureOp::kDivC: case PureOp::kPowInt: case PureOp::kEnd:
+        break;
+      default:
+        return false;
+    }
+  }
+  return true;
+}
+
 // a^k for k >= 1 by repeated products, as the power step makes it (for a != 0).
 [[gnu::always_inline]] inline double IntPower(double a, int k) {
   double r = a;
@@ -260,6 +276,7 @@ struct Evaluator {
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
     c.pure = toolMode && !params && e.leanCode_ ? MakePure(code) : std::vector<PureInstr>{};
+    c.termsOnly = !c.pure.empty() && IsTermsOnly(c.pure);
   }
 
   // Lean code over the registers x and x read back. x = 0 never comes here, so a term's
@@ -563,11 +580,44 @@ double Engine::EvaluateProgram(int16_t n) {
   return r;
 }
 
+namespace {
+
+// Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
+// it can fail before the end, where non-finite means an overflow somewhere on the way.
+double RunTerms(const PureInstr* p, const double r0, const double r1, bool& overflow) {
+  auto term = [r0, r1](const PureInstr& q) { return IntPower(q.reg ? r1 : r0, q.k) * q.c; };
+  double top = p->op == PureOp::kPushC ? p->c : term(*p);
+  for (++p;; ++p) {
+    switch (p->op) {
+      case PureOp::kAddTerm: top = top + term(*p); continue;
+      case PureOp::kSubTerm: top = top - term(*p); continue;
+      case PureOp::kMulTerm: top = top * term(*p); continue;
+      case PureOp::kAddC: top = top + p->c; continue;
+      case PureOp::kSubC: top = top - p->c; continue;
+      case PureOp::kMulC: top = top * p->c; continue;
+      case PureOp::kDivC: top = top / p->c; continue;
+      case PureOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+      default: break;
+    }
+    break;
+  }
+  overflow = !std::isfinite(top);
+  return top;
+}
+
+}  // namespace
+
 double Engine::EvaluatePure(double x) {
   ErrorFlag = 0;
   XValue = x;
   CompiledCode& c = *code_[0];
-  return Evaluator{*this}.RunPure(c, x, c.usesRounded ? Round15(x) : 0);
+  const double r1 = c.usesRounded ? Round15(x) : 0;
+  if (c.termsOnly) {
+    bool overflow;
+    double y = RunTerms(c.pure.data(), x, r1, overflow);
+    if (!overflow) [[likely]] return y;
+  }
+  return Evaluator{*this}.RunPure(c, x, r1);
 }
 
 double Engine::EvaluateAtSlow(const SavedProgram& saved, double x) {

@@ -71,6 +71,7 @@ struct CompiledCode {
   bool usesRounded = false;     // register 1 is needed
   std::vector<Instr> code;
   std::vector<PureInstr> pure;  // empty unless the whole code has a lean form
+  bool termsOnly = false;       // lean code that needs no stack and calls nothing
   std::vector<VariableSlot> vars;
   // Run-time storage, sized once so that evaluating allocates nothing.
   std::array<double, kMaxTokens + 2> stack{};

@@ -116,7 +116,13 @@ std::vector<PureInstr> MakePure(const std::vector<Instr>& code) {
       case Op::kDivR: out.push_back({PureOp::kDivReg, reg(in), 1, 1}); break;
       case Op::kAdd: case Op::kSub: case Op::kMul: {
         bool add = in.op == Op::kAdd, sub = in.op == Op::kSub;
-        if (lastIsPlainTerm()) {
+        if (sub && lastIsPlainTerm() && out.size() >= 2 && out[out.size() - 2].op == PureOp::kPushC &&
+            out[out.size() - 2].c == 0 && !std::signbit(out[out.size() - 2].c)) {
+          // 0 - term, the way a formula negates: one step, still 0 - v (so 0 - 0 is +0).
+          out[out.size() - 2] = out.back();
+          out[out.size() - 2].op = PureOp::kPushNegTerm;
+          out.pop_back();
+        } else if (lastIsPlainTerm()) {
           out.back().op = add ? PureOp::kAddTerm : sub ? PureOp::kSubTerm : PureOp::kMulTerm;
         } else {
           out.push_back({add ? PureOp::kAdd : sub ? PureOp::kSub : PureOp::kMul});
@@ -157,7 +163,8 @@ std::vector<PureInstr> MakePure(const std::vector<Instr>& code) {
 // True when lean code is one running value: a first term or constant, then steps that
 // combine it with terms and constants. Such code runs in registers with no stack.
 bool IsTermsOnly(const std::vector<PureInstr>& pure) {
-  if (pure[0].op != PureOp::kPushC && pure[0].op != PureOp::kPushTerm) return false;
+  PureOp first = pure[0].op;
+  if (first != PureOp::kPushC && first != PureOp::kPushTerm && first != PureOp::kPushNegTerm) return false;
   for (size_t i = 1; i < pure.size(); ++i) {
     switch (pure[i].op) {
       case PureOp::kAddTerm: case PureOp::kSubTerm: case PureOp::kMulTerm: case PureOp::kAddC:
@@ -292,6 +299,7 @@ struct Evaluator {
       switch (p->op) {
         case PureOp::kPushC: *++sp = top; top = p->c; continue;
         case PureOp::kPushTerm: *++sp = top; top = term(*p); continue;
+        case PureOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
         case PureOp::kAddTerm: top = top + term(*p); continue;
         case PureOp::kSubTerm: top = top - term(*p); continue;
         case PureOp::kMulTerm: top = top * term(*p); continue;
@@ -586,7 +594,7 @@ namespace {
 // it can fail before the end, where non-finite means an overflow somewhere on the way.
 double RunTerms(const PureInstr* p, const double r0, const double r1, bool& overflow) {
   auto term = [r0, r1](const PureInstr& q) { return IntPower(q.reg ? r1 : r0, q.k) * q.c; };
-  double top = p->op == PureOp::kPushC ? p->c : term(*p);
+  double top = p->op == PureOp::kPushC ? p->c : p->op == PureOp::kPushTerm ? term(*p) : 0.0 - term(*p);
   for (++p;; ++p) {
     switch (p->op) {
       case PureOp::kAddTerm: top = top + term(*p); continue;

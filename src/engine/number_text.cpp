@@ -185,9 +185,9 @@ constexpr Round15Scale MakeScale(int biased) {
   int e = ((biased - 1023) * 78913) >> 18;  // floor(exp2 * log10 2): the binade's lowest decade
   // kPow10Signed holds 1e-8 .. 1e35; kPow10 holds 1e0 .. 1e22.
   double next = kPow10Signed[e + 1 + kPow10Bias];
-  double below = 14 - e >= 0 && 14 - e <= 22 ? kPow10[14 - e] : 0;
-  double above = 13 - e >= 0 && 13 - e <= 22 ? kPow10[13 - e] : 0;
-  return {next, below, above};
+  bool belowFits = 14 - e >= 0 && 14 - e <= 22, aboveFits = 13 - e >= 0 && 13 - e <= 22;
+  return {next, belowFits ? kPow10[14 - e] : 0, aboveFits ? kPow10[13 - e] : 0, belowFits ? 14 - e : 0,
+          aboveFits ? 13 - e : 0};
 }
 
 constexpr Round15ScaleTable MakeScaleTable() {
@@ -197,10 +197,8 @@ constexpr Round15ScaleTable MakeScaleTable() {
 }
 constexpr Round15ScaleTable kRound15Table = MakeScaleTable();
 
-double Round15Tie(double a, double t, double whole, double frac, double scale) {
-  int q = 0;
-  while (q < 22 && kPow10[q] != scale) ++q;
-  double err = ProductError(a, t, q);
+double Round15Tie(double a, double t, double whole, double frac, int places) {
+  double err = ProductError(a, t, places);
   if (frac > 0 && err > 0) return whole + 1;
   if (frac < 0 && err < 0) return whole - 1;
   return whole;  // a true half: the even neighbour, which whole already is

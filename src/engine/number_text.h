@@ -35,6 +35,7 @@ namespace detail {
 // binade, and the scales that make a value below or above it a 15-digit integer.
 struct Round15Scale {
   double next, below, above;
+  int placesBelow, placesAbove;  // the decimal exponents of below and above
 };
 constexpr int kRound15FirstBiased = 999;  // 1e-7 lies in [2^-24, 2^-23)
 constexpr int kRound15Scales = 74;        // 1e15 lies in the last, [2^49, 2^50)
@@ -42,7 +43,7 @@ struct Round15ScaleTable {
   Round15Scale v[kRound15Scales];
 };
 extern const Round15ScaleTable kRound15Table;
-double Round15Tie(double a, double t, double whole, double frac, double scale);
+double Round15Tie(double a, double t, double whole, double frac, int places);
 double Round15Rare(double v);
 }  // namespace detail
 
@@ -65,7 +66,9 @@ inline double Round15(double v) {
   constexpr double kTwo52 = 4503599627370496.0;
   double whole = (t + kTwo52) - kTwo52;  // halves to even
   const double frac = t - whole;
-  if (std::fabs(frac) == 0.5) [[unlikely]] whole = detail::Round15Tie(a, t, whole, frac, p);
+  if (std::fabs(frac) == 0.5) [[unlikely]] {
+    whole = detail::Round15Tie(a, t, whole, frac, above ? s.placesAbove : s.placesBelow);
+  }
   return std::copysign(whole / p, v);
 }
 

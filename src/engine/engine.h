@@ -146,9 +146,9 @@ class Engine {
   // One point of a tool window: restore, fold sums at x, evaluate at x. failed() tells errors.
   // Inline so that a tool's loop goes straight to built lean code.
   double EvaluateAt(const SavedProgram& saved, double x) {
-    if (saved.program.identity_ == pureIdentity_ && Program.identity_ == pureIdentity_ && saved.n == pureN_ &&
+    if (saved.program.identity_ == leanIdentity_ && Program.identity_ == leanIdentity_ && saved.n == leanN_ &&
         evalDepth_ == 0 && (BindToX == 1 || IntegralBinding == 1) && x != 0) [[likely]] {
-      return EvaluatePure(x);
+      return EvaluateLean(x);
     }
     return EvaluateAtSlow(saved, x);
   }
@@ -196,7 +196,7 @@ class Engine {
   void InvalidateCallCache();
   CompiledCode& CodeAtDepth();
   double EvaluateAtSlow(const SavedProgram& saved, double x);
-  [[gnu::noinline]] double EvaluatePure(double x);
+  [[gnu::noinline]] double EvaluateLean(double x);
 
   EngineHost* host_;
   std::string currentMessage_;
@@ -208,10 +208,10 @@ class Engine {
   uint64_t functionsVersion_ = 0;  // changes whenever functions are registered or deleted
   uint64_t sumsCheckedIdentity_ = ~uint64_t{0};
   bool savedHasSums_ = false;
-  // The program whose built code at depth 0 is pure: EvaluateAt goes straight to it.
-  uint64_t pureIdentity_ = ~uint64_t{0};
+  // The program whose built code at depth 0 has a lean form: EvaluateAt goes straight to it.
+  uint64_t leanIdentity_ = ~uint64_t{0};
   bool leanCode_ = true;
-  int16_t pureN_ = 0;
+  int16_t leanN_ = 0;
   bool muted_ = false;  // trial compilations show no messages
   int busyDepth_ = 0;
 

@@ -88,87 +88,87 @@ void Fuse(std::vector<Instr>& code, bool toolMode) {
 
 // The lean form of tool-mode code, or nothing when a step needs the full machine (calls,
 // random numbers, literal overflows, powers that can give 1 or a reciprocal).
-std::vector<PureInstr> MakePure(const std::vector<Instr>& code) {
-  std::vector<PureInstr> out;
-  auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == PureOp::kPushTerm; };
+std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
+  std::vector<LeanInstr> out;
+  auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == LeanOp::kPushTerm; };
   auto reg = [](const Instr& in) { return static_cast<uint8_t>(in.count); };
   for (const Instr& in : code) {
     switch (in.op) {
-      case Op::kConst: out.push_back({PureOp::kPushC, 0, 1, in.value}); break;
-      case Op::kPushR: out.push_back({PureOp::kPushTerm, reg(in), 1, 1}); break;
-      case Op::kCMulR: out.push_back({PureOp::kPushTerm, reg(in), 1, in.value}); break;
+      case Op::kConst: out.push_back({LeanOp::kPushC, 0, 1, in.value}); break;
+      case Op::kPushR: out.push_back({LeanOp::kPushTerm, reg(in), 1, 1}); break;
+      case Op::kCMulR: out.push_back({LeanOp::kPushTerm, reg(in), 1, in.value}); break;
       case Op::kRPowInt:
         if (in.arg < 0) return {};
-        if (in.arg == 0) out.push_back({PureOp::kPushC, 0, 1, 1});
-        else out.push_back({PureOp::kPushTerm, reg(in), in.arg, 1});
+        if (in.arg == 0) out.push_back({LeanOp::kPushC, 0, 1, 1});
+        else out.push_back({LeanOp::kPushTerm, reg(in), in.arg, 1});
         break;
       case Op::kMulC:
         // r^k * c: the product the separate steps make.
         if (lastIsPlainTerm() && out.back().c == 1) out.back().c = in.value;
-        else out.push_back({PureOp::kMulC, 0, 1, in.value});
+        else out.push_back({LeanOp::kMulC, 0, 1, in.value});
         break;
-      case Op::kAddC: out.push_back({PureOp::kAddC, 0, 1, in.value}); break;
-      case Op::kSubC: out.push_back({PureOp::kSubC, 0, 1, in.value}); break;
-      case Op::kDivC: out.push_back({PureOp::kDivC, 0, 1, in.value}); break;
-      case Op::kAddR: out.push_back({PureOp::kAddTerm, reg(in), 1, 1}); break;
-      case Op::kSubR: out.push_back({PureOp::kSubTerm, reg(in), 1, 1}); break;
-      case Op::kMulR: out.push_back({PureOp::kMulTerm, reg(in), 1, 1}); break;
-      case Op::kDivR: out.push_back({PureOp::kDivReg, reg(in), 1, 1}); break;
+      case Op::kAddC: out.push_back({LeanOp::kAddC, 0, 1, in.value}); break;
+      case Op::kSubC: out.push_back({LeanOp::kSubC, 0, 1, in.value}); break;
+      case Op::kDivC: out.push_back({LeanOp::kDivC, 0, 1, in.value}); break;
+      case Op::kAddR: out.push_back({LeanOp::kAddTerm, reg(in), 1, 1}); break;
+      case Op::kSubR: out.push_back({LeanOp::kSubTerm, reg(in), 1, 1}); break;
+      case Op::kMulR: out.push_back({LeanOp::kMulTerm, reg(in), 1, 1}); break;
+      case Op::kDivR: out.push_back({LeanOp::kDivReg, reg(in), 1, 1}); break;
       case Op::kAdd: case Op::kSub: case Op::kMul: {
         bool add = in.op == Op::kAdd, sub = in.op == Op::kSub;
-        if (sub && lastIsPlainTerm() && out.size() >= 2 && out[out.size() - 2].op == PureOp::kPushC &&
+        if (sub && lastIsPlainTerm() && out.size() >= 2 && out[out.size() - 2].op == LeanOp::kPushC &&
             out[out.size() - 2].c == 0 && !std::signbit(out[out.size() - 2].c)) {
           // 0 - term, the way a formula negates: one step, still 0 - v (so 0 - 0 is +0).
           out[out.size() - 2] = out.back();
-          out[out.size() - 2].op = PureOp::kPushNegTerm;
+          out[out.size() - 2].op = LeanOp::kPushNegTerm;
           out.pop_back();
         } else if (lastIsPlainTerm()) {
-          out.back().op = add ? PureOp::kAddTerm : sub ? PureOp::kSubTerm : PureOp::kMulTerm;
+          out.back().op = add ? LeanOp::kAddTerm : sub ? LeanOp::kSubTerm : LeanOp::kMulTerm;
         } else {
-          out.push_back({add ? PureOp::kAdd : sub ? PureOp::kSub : PureOp::kMul});
+          out.push_back({add ? LeanOp::kAdd : sub ? LeanOp::kSub : LeanOp::kMul});
         }
         break;
       }
-      case Op::kDiv: out.push_back({PureOp::kDiv}); break;
+      case Op::kDiv: out.push_back({LeanOp::kDiv}); break;
       case Op::kPowInt:
         if (in.arg < 1) return {};  // x^0 is 1 even for an overflowed x
-        out.push_back({PureOp::kPowInt, 0, in.arg, 1});
+        out.push_back({LeanOp::kPowInt, 0, in.arg, 1});
         break;
-      case Op::kPow: out.push_back({PureOp::kPow}); break;
+      case Op::kPow: out.push_back({LeanOp::kPow}); break;
       case Op::kUnary: {
-        PureOp op;
+        LeanOp op;
         switch (in.fn) {
-          case Builtin::kSin: op = PureOp::kSin; break;
-          case Builtin::kCos: op = PureOp::kCos; break;
-          case Builtin::kAtan: op = PureOp::kAtan; break;
-          case Builtin::kAbs: op = PureOp::kAbs; break;
-          case Builtin::kTan: op = PureOp::kTan; break;
-          case Builtin::kExp: op = PureOp::kExp; break;
-          case Builtin::kSqr: op = PureOp::kSqr; break;
-          case Builtin::kLn: op = PureOp::kLn; break;
-          default: op = PureOp::kUnary; break;
+          case Builtin::kSin: op = LeanOp::kSin; break;
+          case Builtin::kCos: op = LeanOp::kCos; break;
+          case Builtin::kAtan: op = LeanOp::kAtan; break;
+          case Builtin::kAbs: op = LeanOp::kAbs; break;
+          case Builtin::kTan: op = LeanOp::kTan; break;
+          case Builtin::kExp: op = LeanOp::kExp; break;
+          case Builtin::kSqr: op = LeanOp::kSqr; break;
+          case Builtin::kLn: op = LeanOp::kLn; break;
+          default: op = LeanOp::kUnary; break;
         }
         out.push_back({op, 0, 1, 1, in.fn});
         break;
       }
-      case Op::kBinary: out.push_back({PureOp::kBinary, 0, 1, 1, in.fn}); break;
+      case Op::kBinary: out.push_back({LeanOp::kBinary, 0, 1, 1, in.fn}); break;
       default:
         return {};
     }
   }
-  out.push_back({PureOp::kEnd});
+  out.push_back({LeanOp::kEnd});
   return out;
 }
 
 // True when lean code is one running value: a first term or constant, then steps that
 // combine it with terms and constants. Such code runs in registers with no stack.
-bool IsTermsOnly(const std::vector<PureInstr>& pure) {
-  PureOp first = pure[0].op;
-  if (first != PureOp::kPushC && first != PureOp::kPushTerm && first != PureOp::kPushNegTerm) return false;
-  for (size_t i = 1; i < pure.size(); ++i) {
-    switch (pure[i].op) {
-      case PureOp::kAddTerm: case PureOp::kSubTerm: case PureOp::kMulTerm: case PureOp::kAddC:
-      case PureOp::kSubC: case PureOp::kMulC: case PureOp::kDivC: case PureOp::kPowInt: case PureOp::kEnd:
+bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
+  LeanOp first = lean[0].op;
+  if (first != LeanOp::kPushC && first != LeanOp::kPushTerm && first != LeanOp::kPushNegTerm) return false;
+  for (size_t i = 1; i < lean.size(); ++i) {
+    switch (lean[i].op) {
+      case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kAddC:
+      case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt: case LeanOp::kEnd:
         break;
       default:
         return false;
@@ -282,47 +282,47 @@ struct Evaluator {
     size_t stateSize = toolMode ? 0 : c.vars.size();
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
-    c.pure = toolMode && !params && e.leanCode_ ? MakePure(code) : std::vector<PureInstr>{};
-    c.termsOnly = !c.pure.empty() && IsTermsOnly(c.pure);
+    c.lean = toolMode && !params && e.leanCode_ ? MakeLean(code) : std::vector<LeanInstr>{};
+    c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
   }
 
   // Lean code over the registers x and x read back. x = 0 never comes here, so a term's
   // power needs no care for the sign of zero.
-  double RunPure(CompiledCode& c, const double r0, const double r1) {
+  double RunLean(CompiledCode& c, const double r0, const double r1) {
     double* const base = c.stack.data();
     double* sp = base;
     double top = 0;
-    auto term = [r0, r1](const PureInstr& p) { return IntPower(p.reg ? r1 : r0, p.k) * p.c; };
+    auto term = [r0, r1](const LeanInstr& p) { return IntPower(p.reg ? r1 : r0, p.k) * p.c; };
     // Values, not references: top and sp must stay in registers.
-#define LEAN_FAIL(code, fault) PureFailed(code, fault, top, base, sp)
-    for (const PureInstr* p = c.pure.data();; ++p) {
+#define LEAN_FAIL(code, fault) LeanFailed(code, fault, top, base, sp)
+    for (const LeanInstr* p = c.lean.data();; ++p) {
       switch (p->op) {
-        case PureOp::kPushC: *++sp = top; top = p->c; continue;
-        case PureOp::kPushTerm: *++sp = top; top = term(*p); continue;
-        case PureOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
-        case PureOp::kAddTerm: top = top + term(*p); continue;
-        case PureOp::kSubTerm: top = top - term(*p); continue;
-        case PureOp::kMulTerm: top = top * term(*p); continue;
-        case PureOp::kDivReg:
+        case LeanOp::kPushC: *++sp = top; top = p->c; continue;
+        case LeanOp::kPushTerm: *++sp = top; top = term(*p); continue;
+        case LeanOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
+        case LeanOp::kAddTerm: top = top + term(*p); continue;
+        case LeanOp::kSubTerm: top = top - term(*p); continue;
+        case LeanOp::kMulTerm: top = top * term(*p); continue;
+        case LeanOp::kDivReg:
           if ((p->reg ? r1 : r0) == 0) return LEAN_FAIL(11, nullptr);
           top = top / (p->reg ? r1 : r0);
           continue;
-        case PureOp::kAddC: top = top + p->c; continue;
-        case PureOp::kSubC: top = top - p->c; continue;
-        case PureOp::kMulC: top = top * p->c; continue;
-        case PureOp::kDivC: top = top / p->c; continue;
-        case PureOp::kAdd: top = *sp-- + top; continue;
-        case PureOp::kSub: top = *sp-- - top; continue;
-        case PureOp::kMul: top = *sp-- * top; continue;
-        case PureOp::kDiv:
+        case LeanOp::kAddC: top = top + p->c; continue;
+        case LeanOp::kSubC: top = top - p->c; continue;
+        case LeanOp::kMulC: top = top * p->c; continue;
+        case LeanOp::kDivC: top = top / p->c; continue;
+        case LeanOp::kAdd: top = *sp-- + top; continue;
+        case LeanOp::kSub: top = *sp-- - top; continue;
+        case LeanOp::kMul: top = *sp-- * top; continue;
+        case LeanOp::kDiv:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // n/inf would hide it
           if (top == 0) return LEAN_FAIL(11, nullptr);
           top = *sp-- / top;
           continue;
-        case PureOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+        case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
         // A function could turn an overflow into a number (atan, exp of -inf): look first.
 #define MERIDA_UNARY(name, expr)                                      \
-  case PureOp::name:                                                  \
+  case LeanOp::name:                                                  \
     if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");         \
     top = expr;                                                       \
     continue;
@@ -333,32 +333,32 @@ struct Evaluator {
         MERIDA_UNARY(kTan, std::tan(top))
         MERIDA_UNARY(kExp, std::exp(top))
 #undef MERIDA_UNARY
-        case PureOp::kSqr:
+        case LeanOp::kSqr:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top < 0) return LEAN_FAIL(12, nullptr);
           top = std::sqrt(top);
           continue;
-        case PureOp::kLn:
+        case LeanOp::kLn:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top <= 0) return LEAN_FAIL(13, nullptr);
           top = std::log(top);
           continue;
-        case PureOp::kUnary: {
+        case LeanOp::kUnary: {
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           Applied r = ApplyBuiltin(p->fn, 0, top);
           if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
           continue;
         }
-        case PureOp::kBinary: case PureOp::kPow: {
+        case LeanOp::kBinary: case LeanOp::kPow: {
           if (!std::isfinite(top) || !std::isfinite(*sp)) return LEAN_FAIL(kFault, "Overflow");
-          Applied r = p->op == PureOp::kPow ? Power(*sp, top) : ApplyBuiltin(p->fn, *sp, top);
+          Applied r = p->op == LeanOp::kPow ? Power(*sp, top) : ApplyBuiltin(p->fn, *sp, top);
           --sp;
           if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
           continue;
         }
-        case PureOp::kEnd: break;
+        case LeanOp::kEnd: break;
       }
       break;
     }
@@ -369,7 +369,7 @@ struct Evaluator {
 
   // A failing lean step reports the overflow before it, if one is on the stack, as the fault
   // it was. Out of line so that the lean loop keeps its values in registers.
-  [[gnu::noinline, gnu::cold]] double PureFailed(int code, const char* fault, double top, const double* base,
+  [[gnu::noinline, gnu::cold]] double LeanFailed(int code, const char* fault, double top, const double* base,
                                                   const double* sp) {
     bool overflowed = !std::isfinite(top);
     for (const double* q = base + 1; q <= sp; ++q) overflowed = overflowed || !std::isfinite(*q);
@@ -576,13 +576,13 @@ double Engine::EvaluateProgram(int16_t n) {
   bool toolMode = BindToX == 1 || IntegralBinding == 1;
   if (c.identity != Program.identity_ || c.n != n || c.functionsVersion != functionsVersion_ ||
       c.toolMode != toolMode) {
-    if (evalDepth_ == 0) pureIdentity_ = ~uint64_t{0};
+    if (evalDepth_ == 0) leanIdentity_ = ~uint64_t{0};
     ev.Build(c, n, nullptr, toolMode);
   }
   ++evalDepth_;
   ++busyDepth_;
-  double r = c.pure.empty() || XValue == 0 ? ev.Run(c, nullptr)
-                                           : ev.RunPure(c, XValue, c.usesRounded ? Round15(XValue) : 0);
+  double r = c.lean.empty() || XValue == 0 ? ev.Run(c, nullptr)
+                                           : ev.RunLean(c, XValue, c.usesRounded ? Round15(XValue) : 0);
   --busyDepth_;
   --evalDepth_;
   return r;
@@ -592,19 +592,19 @@ namespace {
 
 // Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
 // it can fail before the end, where non-finite means an overflow somewhere on the way.
-double RunTerms(const PureInstr* p, const double r0, const double r1, bool& overflow) {
-  auto term = [r0, r1](const PureInstr& q) { return IntPower(q.reg ? r1 : r0, q.k) * q.c; };
-  double top = p->op == PureOp::kPushC ? p->c : p->op == PureOp::kPushTerm ? term(*p) : 0.0 - term(*p);
+double RunTerms(const LeanInstr* p, const double r0, const double r1, bool& overflow) {
+  auto term = [r0, r1](const LeanInstr& q) { return IntPower(q.reg ? r1 : r0, q.k) * q.c; };
+  double top = p->op == LeanOp::kPushC ? p->c : p->op == LeanOp::kPushTerm ? term(*p) : 0.0 - term(*p);
   for (++p;; ++p) {
     switch (p->op) {
-      case PureOp::kAddTerm: top = top + term(*p); continue;
-      case PureOp::kSubTerm: top = top - term(*p); continue;
-      case PureOp::kMulTerm: top = top * term(*p); continue;
-      case PureOp::kAddC: top = top + p->c; continue;
-      case PureOp::kSubC: top = top - p->c; continue;
-      case PureOp::kMulC: top = top * p->c; continue;
-      case PureOp::kDivC: top = top / p->c; continue;
-      case PureOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+      case LeanOp::kAddTerm: top = top + term(*p); continue;
+      case LeanOp::kSubTerm: top = top - term(*p); continue;
+      case LeanOp::kMulTerm: top = top * term(*p); continue;
+      case LeanOp::kAddC: top = top + p->c; continue;
+      case LeanOp::kSubC: top = top - p->c; continue;
+      case LeanOp::kMulC: top = top * p->c; continue;
+      case LeanOp::kDivC: top = top / p->c; continue;
+      case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
       default: break;
     }
     break;
@@ -615,17 +615,17 @@ double RunTerms(const PureInstr* p, const double r0, const double r1, bool& over
 
 }  // namespace
 
-double Engine::EvaluatePure(double x) {
+double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
   CompiledCode& c = *code_[0];
   const double r1 = c.usesRounded ? Round15(x) : 0;
   if (c.termsOnly) {
     bool overflow;
-    double y = RunTerms(c.pure.data(), x, r1, overflow);
+    double y = RunTerms(c.lean.data(), x, r1, overflow);
     if (!overflow) [[likely]] return y;
   }
-  return Evaluator{*this}.RunPure(c, x, r1);
+  return Evaluator{*this}.RunLean(c, x, r1);
 }
 
 double Engine::EvaluateAtSlow(const SavedProgram& saved, double x) {
@@ -647,10 +647,10 @@ double Engine::EvaluateAtSlow(const SavedProgram& saved, double x) {
     XValue = x;
   }
   double r = EvaluateProgram(n);
-  if (!savedHasSums_ && evalDepth_ == 0 && !code_.empty() && !code_[0]->pure.empty() &&
+  if (!savedHasSums_ && evalDepth_ == 0 && !code_.empty() && !code_[0]->lean.empty() &&
       code_[0]->identity == saved.program.identity_ && code_[0]->n == n && Program.identity_ == saved.program.identity_) {
-    pureIdentity_ = saved.program.identity_;
-    pureN_ = n;
+    leanIdentity_ = saved.program.identity_;
+    leanN_ = n;
   }
   return r;
 }
@@ -691,12 +691,12 @@ double Engine::NextRandom(bool reseed) {
 void Engine::setLeanCode(bool on) {
   leanCode_ = on;
   for (auto& c : code_) c->identity = ~uint64_t{0};
-  pureIdentity_ = ~uint64_t{0};
+  leanIdentity_ = ~uint64_t{0};
 }
 
 void Engine::InvalidateCallCache() {
   ++functionsVersion_;
-  pureIdentity_ = ~uint64_t{0};
+  leanIdentity_ = ~uint64_t{0};
   callCache_.clear();
 }
 

@@ -43,15 +43,15 @@ struct Instr {
 // checks its input, and a step that fails first looks for an earlier overflow on the stack.
 // So any overflow is still reported as a fault and before any later error, with one check
 // at the end. A term is c * register^k, computed exactly as the steps it replaces.
-enum class PureOp : uint8_t {
+enum class LeanOp : uint8_t {
   kPushC, kPushTerm, kPushNegTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
   kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
   kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
   kUnary, kBinary, kPow, kEnd,
 };
 
-struct PureInstr {
-  PureOp op;
+struct LeanInstr {
+  LeanOp op;
   uint8_t reg = 0;
   int16_t k = 1;
   double c = 1;
@@ -70,7 +70,7 @@ struct CompiledCode {
   bool toolMode = false;        // built for BindToX = 1: variables read x directly
   bool usesRounded = false;     // register 1 is needed
   std::vector<Instr> code;
-  std::vector<PureInstr> pure;  // empty unless the whole code has a lean form
+  std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
   std::vector<VariableSlot> vars;
   // Run-time storage, sized once so that evaluating allocates nothing.

@@ -156,6 +156,10 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
         return {};
     }
   }
+  // A bare register needs no arithmetic: it feeds a function without an extra product.
+  for (LeanInstr& in : out) {
+    if (in.op == LeanOp::kPushTerm && in.k == 1 && in.c == 1) in.op = LeanOp::kPushReg;
+  }
   out.push_back({LeanOp::kEnd});
   return out;
 }
@@ -164,7 +168,10 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
 // combine it with terms and constants. Such code runs in registers with no stack.
 bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
   LeanOp first = lean[0].op;
-  if (first != LeanOp::kPushC && first != LeanOp::kPushTerm && first != LeanOp::kPushNegTerm) return false;
+  if (first != LeanOp::kPushC && first != LeanOp::kPushReg && first != LeanOp::kPushTerm &&
+      first != LeanOp::kPushNegTerm) {
+    return false;
+  }
   for (size_t i = 1; i < lean.size(); ++i) {
     switch (lean[i].op) {
       case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kAddC:
@@ -298,6 +305,7 @@ struct Evaluator {
     for (const LeanInstr* p = c.lean.data();; ++p) {
       switch (p->op) {
         case LeanOp::kPushC: *++sp = top; top = p->c; continue;
+        case LeanOp::kPushReg: *++sp = top; top = p->reg ? r1 : r0; continue;
         case LeanOp::kPushTerm: *++sp = top; top = term(*p); continue;
         case LeanOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
         case LeanOp::kAddTerm: top = top + term(*p); continue;
@@ -594,7 +602,10 @@ namespace {
 // it can fail before the end, where non-finite means an overflow somewhere on the way.
 double RunTerms(const LeanInstr* p, const double r0, const double r1, bool& overflow) {
   auto term = [r0, r1](const LeanInstr& q) { return IntPower(q.reg ? r1 : r0, q.k) * q.c; };
-  double top = p->op == LeanOp::kPushC ? p->c : p->op == LeanOp::kPushTerm ? term(*p) : 0.0 - term(*p);
+  double top = p->op == LeanOp::kPushC      ? p->c
+               : p->op == LeanOp::kPushReg  ? (p->reg ? r1 : r0)
+               : p->op == LeanOp::kPushTerm ? term(*p)
+                                            : 0.0 - term(*p);
   for (++p;; ++p) {
     switch (p->op) {
       case LeanOp::kAddTerm: top = top + term(*p); continue;

@@ -44,7 +44,7 @@ struct Instr {
 // So any overflow is still reported as a fault and before any later error, with one check
 // at the end. A term is c * register^k, computed exactly as the steps it replaces.
 enum class LeanOp : uint8_t {
-  kPushC, kPushTerm, kPushNegTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
+  kPushC, kPushReg, kPushTerm, kPushNegTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
   kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
   kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
   kUnary, kBinary, kPow, kEnd,

@@ -479,9 +479,7 @@ struct Evaluator {
             continue;
           }
           if (top == 0) continue;  // 0^k is 0, also for negative k
-          int m = k < 0 ? -k : k;
-          double a = top, r = a;
-          for (int i = 1; i < m; ++i) r *= a;
+          double r = IntPower(top, k < 0 ? -k : k);
           if (k < 0) {
             if (r == 0) {
               Fault("Division by zero");

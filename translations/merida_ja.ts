@@ -71,6 +71,21 @@
     </message>
 </context>
 <context>
+    <name>merida::GuiHost</name>
+    <message>
+        <source>Overflow</source>
+        <translation>オーバーフローしました</translation>
+    </message>
+    <message>
+        <source>Division by zero</source>
+        <translation>0で割りました</translation>
+    </message>
+    <message>
+        <source>The calculation ended without an answer.</source>
+        <translation>計算は答なしで終わりました。</translation>
+    </message>
+</context>
+<context>
     <name>merida::FunctionListWindow</name>
     <message>
         <source>Function List</source>

@@ -101,6 +101,15 @@ PrimeWindow::PrimeWindow(Engine& engine, AppState& state, QWidget* parent)
   connect(Command1, &QPushButton::clicked, this, &PrimeWindow::factor);
   connect(Command2, &QPushButton::clicked, this, &PrimeWindow::startListing);
   connect(Command4, &QPushButton::clicked, this, &PrimeWindow::gcm);
+  // Enter factors the number in the box it was typed into.
+  connect(Text1, &QLineEdit::returnPressed, this, [this] {
+    Option1->setChecked(true);
+    Command1->click();
+  });
+  connect(Text2, &QLineEdit::returnPressed, this, [this] {
+    Option2->setChecked(true);
+    Command1->click();
+  });
   connect(Command3, &QPushButton::clicked, this, &QWidget::close);
   connect(ticker_, &QTimer::timeout, this, &PrimeWindow::continueListing);
 
@@ -182,7 +191,7 @@ void PrimeWindow::gcm() {
   engine_.StopRequested = 0;
   auto lines = GcmLines(Text1->text().toStdString(), Text2->text().toStdString(), japanese(),
                         [this] { return engine_.StopRequested == 1; });
-  if (!lines.empty()) model_->setLines(lines);
+  if (lines) model_->setLines(*lines);
 }
 
 void PrimeWindow::closeEvent(QCloseEvent* event) {

@@ -192,14 +192,17 @@ std::optional<GcmResult> GreatestCommonMeasure(int32_t a, int32_t b, const std::
   return GcmResult{g, static_cast<int32_t>(lcm)};
 }
 
-std::vector<std::string> GcmLines(std::string_view text1, std::string_view text2, bool japanese,
-                                  const std::function<bool()>& stop) {
+std::optional<std::vector<std::string>> GcmLines(std::string_view text1, std::string_view text2, bool japanese,
+                                                 const std::function<bool()>& stop) {
   auto a = ReadInteger(text1);
   auto b = ReadInteger(text2);
-  if (!a || !b) return {};
+  if (!a || !b || *a <= 1 || *b <= 1) return std::nullopt;
   auto r = GreatestCommonMeasure(*a, *b, stop);
-  if (!r) return {};
-  return {japanese ? "最大公約数." : "G.C.M.", IntegerText(r->gcd), japanese ? "最小公倍数." : "L.C.M.",
+  if (!r) {
+    if (Stopped(stop)) return std::nullopt;
+    return std::vector<std::string>{};
+  }
+  return std::vector<std::string>{japanese ? "最大公約数." : "G.C.M.", IntegerText(r->gcd), japanese ? "最小公倍数." : "L.C.M.",
           IntegerText(r->lcm)};
 }
 

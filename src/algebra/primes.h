@@ -86,7 +86,9 @@ struct GcmResult {
 // leaves 32 bits, or when `stop` answers true between steps.
 std::optional<GcmResult> GreatestCommonMeasure(int32_t a, int32_t b, const std::function<bool()>& stop = {});
 // G.C.M.'s four lines, headings by language: "G.C.M."/"最大公約数.", gcd, "L.C.M."/"最小公倍数.", lcm.
-std::vector<std::string> GcmLines(std::string_view text1, std::string_view text2, bool japanese,
+// nullopt when nothing happens (a box that is not a number above 1, or a stop); an empty list
+// when the least common multiple leaves 32 bits, because the list was already cleared then.
+std::optional<std::vector<std::string>> GcmLines(std::string_view text1, std::string_view text2, bool japanese,
                                   const std::function<bool()>& stop = {});
 
 }  // namespace merida

@@ -155,8 +155,8 @@ int RunPrimes(Context& ctx, const std::vector<std::string>& args) {
 int RunGcm(Context& ctx, const std::vector<std::string>& args) {
   if (args.size() != 2) return Usage("gcm A B");
   auto lines = GcmLines(args[0], args[1], ctx.state.japanese());
-  PrintLines(lines);
-  return Finish(ctx, !lines.empty());
+  if (lines) PrintLines(*lines);
+  return Finish(ctx, lines && !lines->empty());
 }
 
 }  // namespace merida::cli

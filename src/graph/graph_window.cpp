@@ -65,6 +65,7 @@ GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString(
   resize(760, 500);
 
   connect(Command1, &QPushButton::clicked, this, &GraphWindow::go);
+  pressOnEnter({Text1, Text2, Text3}, Command1);
   connect(Command2, &QPushButton::clicked, this, &GraphWindow::close);
   connect(Command3, &QPushButton::clicked, this, &GraphWindow::log);
   connect(Command4, &QPushButton::clicked, this, &GraphWindow::para);

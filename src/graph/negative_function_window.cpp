@@ -132,6 +132,7 @@ NegativeFunctionWindow::NegativeFunctionWindow(Engine& engine, AppState& state,
   layout->addLayout(side);
 
   connect(Command1, &QPushButton::clicked, this, &NegativeFunctionWindow::plot);
+  pressOnEnter({Text1, Text2, Text3, Text4, Text5, Text6}, Command1);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
   connect(Command3, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Check1, &QCheckBox::toggled, Picture1, &SegmentPicture::setPrintMode);

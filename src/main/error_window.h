@@ -8,15 +8,19 @@ class QPushButton;
 
 namespace merida {
 
+// Where a window of `size` goes beside `anchor` on `screen`: right of it, else left, below or
+// above; when none fits, the place that covers the least of the anchor.
+QPoint PlaceBeside(const QRect& anchor, const QSize& size, const QRect& screen);
+
 class ErrorWindow : public QDialog {
   Q_OBJECT
 
  public:
   explicit ErrorWindow(QWidget* parent = nullptr);
 
-  // Loads the window with the message; while it is open it is only brought to the front and
-  // keeps the message it has.
-  void showMessage(const QString& message);
+  // Loads the window with the message, beside `raisedBy` so that it covers none of that
+  // window; while it is open it is only brought to the front and keeps the message it has.
+  void showMessage(const QString& message, QWidget* raisedBy = nullptr);
 
  private:
   void retranslate();

@@ -1,12 +1,50 @@
 // The input box's title is Japanese in both display languages, like the error messages.
 #include "main/gui_host_gui.h"
 
+#include <QApplication>
 #include <QCoreApplication>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QLineEdit>
-#include <QMessageBox>
+#include <QSpacerItem>
 
 namespace merida {
+
+namespace {
+
+// The engine describes faults in English; these are the descriptions it can give.
+[[maybe_unused]] constexpr const char* kFaultTexts[] = {
+    QT_TRANSLATE_NOOP("merida::GuiHost", "Overflow"),
+    QT_TRANSLATE_NOOP("merida::GuiHost", "Division by zero"),
+};
+
+// The window whose button raised the error: the active one of ours, else the main window.
+QWidget* RaisingWindow(QWidget* fallback) {
+  QWidget* active = QApplication::activeWindow();
+  if (active && !qobject_cast<ErrorWindow*>(active) && fallback &&
+      (active == fallback || fallback->isAncestorOf(active))) {
+    return active;
+  }
+  return fallback;
+}
+
+}  // namespace
+
+std::unique_ptr<QMessageBox> MakeFaultBox(QWidget* parent, const std::string& description) {
+  QString title = parent ? parent->window()->windowTitle() : QCoreApplication::applicationName();
+  auto box = std::make_unique<QMessageBox>(QMessageBox::Warning, title,
+                                           QCoreApplication::translate("merida::GuiHost", description.c_str()),
+                                           QMessageBox::Ok, parent);
+  box->setObjectName(QStringLiteral("FaultBox"));
+  box->setInformativeText(QCoreApplication::translate("merida::GuiHost", "The calculation ended without an answer."));
+  // A message box sizes itself to its text alone; a short text left the title cut to "...".
+  if (auto* grid = qobject_cast<QGridLayout*>(box->layout())) {
+    int width = std::max(320, box->fontMetrics().horizontalAdvance(title) + 160);
+    grid->addItem(new QSpacerItem(width, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), grid->rowCount(), 0, 1,
+                  grid->columnCount());
+  }
+  return box;
+}
 
 GuiHost::GuiHost() = default;
 
@@ -32,7 +70,7 @@ std::optional<std::string> GuiHost::askValue(const std::string& prompt) {
 
 void GuiHost::showError(int /*code*/, const std::string& message) {
   if (!errors_) errors_ = new ErrorWindow(window_);
-  errors_->showMessage(QString::fromStdString(message));
+  errors_->showMessage(QString::fromStdString(message), RaisingWindow(window_));
 }
 
 void GuiHost::showFault(const std::string& description) {
@@ -40,8 +78,7 @@ void GuiHost::showFault(const std::string& description) {
     fault_(description);
     return;
   }
-  QString title = window_ ? window_->windowTitle() : QCoreApplication::applicationName();
-  QMessageBox::warning(window_, title, QString::fromStdString(description));
+  MakeFaultBox(RaisingWindow(window_), description)->exec();
 }
 
 void GuiHost::processEvents() { QCoreApplication::processEvents(); }

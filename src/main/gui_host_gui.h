@@ -1,14 +1,20 @@
 // The engine's host in the desktop program: input boxes, the Error Message window, fault boxes.
 #pragma once
 
+#include <QMessageBox>
 #include <QPointer>
 #include <QWidget>
 #include <functional>
+#include <memory>
 
 #include "engine/host.h"
 #include "main/error_window.h"
 
 namespace merida {
+
+// The fault box, not yet shown: the fault's description in the display language (through the
+// installed catalogue) in a box wide enough for its title.
+std::unique_ptr<QMessageBox> MakeFaultBox(QWidget* parent, const std::string& description);
 
 class GuiHost : public EngineHost {
  public:

@@ -2,6 +2,7 @@
 #include "main/main_window.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -62,6 +63,9 @@ MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   Label1->setFrameShape(QFrame::StyledPanel);
   Label1->setFrameShadow(QFrame::Sunken);
   Label1->setMinimumHeight(Text1->sizeHint().height());
+  // The formula and the answer are one line each: a taller window gives its room to the buttons.
+  Frame1->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+  Frame2->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
   Label1->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   (new QVBoxLayout(Frame2))->addWidget(Label1);
 
@@ -74,6 +78,9 @@ MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
     button->setObjectName(QStringLiteral("Command%1").arg(n));
     button->setAutoDefault(false);
     button->setEnabled(IsOwnAction(n));
+    button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    button->setMinimumHeight(button->sizeHint().height());
+    button->setMaximumHeight(2 * button->sizeHint().height());
     *members[n - 1] = button;
     buttons_[n] = button;
   }
@@ -85,9 +92,12 @@ MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(Frame1);
   layout->addWidget(Frame2);
-  layout->addLayout(grid);
+  layout->addLayout(grid, 1);
+  layout->addStretch(0);
 
   connect(Text1, &QLineEdit::returnPressed, this, &MainWindow::calc);
+  Text1->installEventFilter(this);
+
   connect(Command1, &QPushButton::clicked, this, &MainWindow::calc);
   connect(Command4, &QPushButton::clicked, this, &MainWindow::rec);
   connect(Command5, &QPushButton::clicked, this, &MainWindow::clear);
@@ -144,6 +154,7 @@ void MainWindow::calc() {
   RunGuard guard(running_);
   if (!guard.entered()) return;
   Label1->clear();
+  history_.add(Text1->text().toStdString());
   auto answer = Calc(engine_, Text1->text().toStdString());
   if (answer) Label1->setText(QString::fromStdString(*answer));
   Text1->setFocus();
@@ -159,6 +170,27 @@ void MainWindow::rec() {
 void MainWindow::clear() {
   Text1->clear();
   Text1->setFocus();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == Text1 && event->type() == QEvent::KeyPress) {
+    auto* key = static_cast<QKeyEvent*>(event);
+    if (key->modifiers() == Qt::NoModifier && (key->key() == Qt::Key_Up || key->key() == Qt::Key_Down)) {
+      auto text = key->key() == Qt::Key_Up ? history_.older(Text1->text().toStdString()) : history_.newer();
+      if (text) Text1->setText(QString::fromStdString(*text));
+      return true;
+    }
+  }
+  return ToolWindow::eventFilter(watched, event);
+}
+
+void MainWindow::keyPressEvent(QKeyEvent* event) {
+  // Escape closes a tool window; here it would end the program.
+  if (event->key() == Qt::Key_Escape) {
+    event->accept();
+    return;
+  }
+  ToolWindow::keyPressEvent(event);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -4,9 +4,11 @@
 #include <array>
 #include <functional>
 
+#include "main/formula_history.h"
 #include "main/tool_window.h"
 
 class QGroupBox;
+class QKeyEvent;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -36,6 +38,8 @@ class MainWindow : public ToolWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void calc();
@@ -53,6 +57,7 @@ class MainWindow : public ToolWindow {
   std::array<QPushButton*, 21> buttons_{};         // Command1..Command20 by number
   std::array<std::function<void()>, 21> openers_;  // by command number
   bool running_ = false;                           // Calc or Rec in progress
+  FormulaHistory history_;
 };
 
 }  // namespace merida

@@ -3,11 +3,40 @@
 
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLayout>
+#include <algorithm>
+#include <vector>
 #include <QPainter>
 #include <QPrinter>
 #include <QPrinterInfo>
 
 namespace merida {
+namespace {
+
+// The widgets of `layout` that take focus by Tab, in reading order; a grid by rows.
+void CollectInLayoutOrder(QLayout* layout, std::vector<QWidget*>& out) {
+  if (!layout) return;
+  std::vector<std::pair<std::pair<int, int>, QLayoutItem*>> items;
+  auto* grid = qobject_cast<QGridLayout*>(layout);
+  for (int i = 0; i < layout->count(); ++i) {
+    int row = i, column = 0, rowSpan = 1, columnSpan = 1;
+    if (grid) grid->getItemPosition(i, &row, &column, &rowSpan, &columnSpan);
+    items.push_back({{row, column}, layout->itemAt(i)});
+  }
+  std::stable_sort(items.begin(), items.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  for (const auto& [position, item] : items) {
+    if (QWidget* w = item->widget()) {
+      if (w->focusPolicy() & Qt::TabFocus) out.push_back(w);
+      CollectInLayoutOrder(w->layout(), out);
+    } else {
+      CollectInLayoutOrder(item->layout(), out);
+    }
+  }
+}
+
+}  // namespace
 
 ToolWindow::ToolWindow(Engine& engine, AppState& state, QWidget* parent)
     : QWidget(parent, Qt::Window), engine_(engine), state_(state) {
@@ -35,6 +64,26 @@ QPushButton* ToolWindow::makeButton(const char* name) {
   button->setObjectName(QString::fromLatin1(name));
   button->setAutoDefault(false);
   return button;
+}
+
+void ToolWindow::keyPressEvent(QKeyEvent* event) {
+  if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
+    event->accept();
+    close();
+    return;
+  }
+  QWidget::keyPressEvent(event);
+}
+
+void ToolWindow::showEvent(QShowEvent* event) {
+  std::vector<QWidget*> order;
+  CollectInLayoutOrder(layout(), order);
+  for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  QWidget::showEvent(event);
+}
+
+void ToolWindow::pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButton* button) {
+  for (QLineEdit* box : boxes) connect(box, &QLineEdit::returnPressed, button, &QPushButton::click);
 }
 
 void ToolWindow::closeEvent(QCloseEvent* event) {

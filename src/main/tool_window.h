@@ -1,8 +1,10 @@
 // The base of every window: captions in the display language, printing, stopping a run.
 #pragma once
 
+#include <QLineEdit>
 #include <QPushButton>
 #include <QWidget>
+#include <initializer_list>
 
 #include "engine/engine.h"
 #include "main/app_state.h"
@@ -26,6 +28,12 @@ class ToolWindow : public QWidget {
   QPushButton* makeButton(const char* name);
   // Closing stops a running computation.
   void closeEvent(QCloseEvent* event) override;
+  // Escape closes the window, as its Close button does.
+  void keyPressEvent(QKeyEvent* event) override;
+  // Tab order follows the layout (rows of a grid, then columns), not the order of creation.
+  void showEvent(QShowEvent* event) override;
+  // Enter in any of `boxes` presses `button`: the window's main action for those boxes.
+  void pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButton* button);
 
   Engine& engine_;
   AppState& state_;

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <numeric>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -238,7 +239,7 @@ TEST(IntegerTextTest, ListForm) {
 struct GcmCase {
   const char* a;
   const char* b;
-  Lines english;
+  std::optional<Lines> english;  // nullopt: nothing happens; empty: the list is cleared
 };
 
 class GcmTest : public ::testing::TestWithParam<GcmCase> {};
@@ -246,26 +247,35 @@ class GcmTest : public ::testing::TestWithParam<GcmCase> {};
 TEST_P(GcmTest, LinesInBothLanguages) {
   const GcmCase& c = GetParam();
   EXPECT_EQ(GcmLines(c.a, c.b, false), c.english);
-  Lines japanese = c.english;
-  if (!japanese.empty()) {
-    japanese[0] = "最大公約数.";
-    japanese[2] = "最小公倍数.";
+  std::optional<Lines> japanese = c.english;
+  if (japanese && !japanese->empty()) {
+    (*japanese)[0] = "最大公約数.";
+    (*japanese)[2] = "最小公倍数.";
   }
   EXPECT_EQ(GcmLines(c.a, c.b, true), japanese);
 }
 
+const Lines kCleared;
+
 INSTANTIATE_TEST_SUITE_P(
     Pairs, GcmTest,
-    ::testing::Values(GcmCase{"12", "18", {"G.C.M.", " 6", "L.C.M.", " 36"}},
-                      GcmCase{"18", "12", {"G.C.M.", " 6", "L.C.M.", " 36"}},
-                      GcmCase{"7", "7", {"G.C.M.", " 7", "L.C.M.", " 7"}},
-                      GcmCase{"2", "3", {"G.C.M.", " 1", "L.C.M.", " 6"}},
-                      GcmCase{"46340", "46341", {"G.C.M.", " 1", "L.C.M.", " 2147441940"}},
-                      GcmCase{"2147483646", "2", {"G.C.M.", " 2", "L.C.M.", " 2147483646"}},
-                      GcmCase{"2147483647", "2147483647", {"G.C.M.", " 2147483647", "L.C.M.", " 2147483647"}},
-                      GcmCase{"100000", "99999", {}}, GcmCase{"2147483647", "2147483646", {}},
-                      GcmCase{"65536", "32769", {}}, GcmCase{"1", "5", {}}, GcmCase{"5", "1", {}},
-                      GcmCase{"0", "5", {}}, GcmCase{"-4", "6", {}}, GcmCase{"x", "6", {}}, GcmCase{"6", "", {}}));
+    ::testing::Values(GcmCase{"12", "18", Lines{"G.C.M.", " 6", "L.C.M.", " 36"}},
+                      GcmCase{"18", "12", Lines{"G.C.M.", " 6", "L.C.M.", " 36"}},
+                      GcmCase{"7", "7", Lines{"G.C.M.", " 7", "L.C.M.", " 7"}},
+                      GcmCase{"2", "3", Lines{"G.C.M.", " 1", "L.C.M.", " 6"}},
+                      GcmCase{"46340", "46341", Lines{"G.C.M.", " 1", "L.C.M.", " 2147441940"}},
+                      GcmCase{"2147483646", "2", Lines{"G.C.M.", " 2", "L.C.M.", " 2147483646"}},
+                      GcmCase{"2147483647", "2147483647", Lines{"G.C.M.", " 2147483647", "L.C.M.", " 2147483647"}},
+                      GcmCase{"100000", "99999", kCleared}, GcmCase{"2147483647", "2147483646", kCleared},
+                      GcmCase{"65536", "32769", kCleared}, GcmCase{"1", "5", std::nullopt},
+                      GcmCase{"5", "1", std::nullopt}, GcmCase{"0", "5", std::nullopt},
+                      GcmCase{"-4", "6", std::nullopt}, GcmCase{"x", "6", std::nullopt},
+                      GcmCase{"6", "", std::nullopt}));
+
+TEST(GcmTest, StoppedRunLeavesTheListAlone) {
+  int asked = 0;
+  EXPECT_EQ(GcmLines("1071", "462", false, [&] { return ++asked > 1; }), std::nullopt);
+}
 
 TEST(GcmTest, AgreesWithTheStandardLibrary) {
   uint32_t state = 12345;

@@ -280,10 +280,13 @@ TEST_F(AlgebraWindowTest, GcmLinesAndOverflow) {
   Type(w->Text2, "18");
   QTest::mouseClick(w->Command4, Qt::LeftButton);
   EXPECT_EQ(ModelLines(w), (Lines{"G.C.M.", " 6", "L.C.M.", " 36"}));
+  Type(w->Text1, "1");
+  QTest::mouseClick(w->Command4, Qt::LeftButton);  // nothing happens: the old answer stays
+  EXPECT_EQ(ModelLines(w), (Lines{"G.C.M.", " 6", "L.C.M.", " 36"}));
   Type(w->Text1, "100000");
   Type(w->Text2, "99999");
-  QTest::mouseClick(w->Command4, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w), (Lines{"G.C.M.", " 6", "L.C.M.", " 36"}));
+  QTest::mouseClick(w->Command4, Qt::LeftButton);  // an overflowing L.C.M. must not sit beside old figures
+  EXPECT_TRUE(ModelLines(w).empty());
 }
 
 TEST_F(AlgebraWindowTest, SmallListing) {

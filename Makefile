@@ -2,7 +2,9 @@
 PRESET ?= default
 BUILD  := build/$(PRESET)
 
-.PHONY: run test build configure sanitize bench clean
+PREFIX ?= /usr/local
+
+.PHONY: run test build configure sanitize bench clean install
 
 run: build
 	cd "$(CURDIR)" && ./$(BUILD)/merida
@@ -16,6 +18,9 @@ build: configure
 configure:
 	scripts/setup
 	@test -f $(BUILD)/build.ninja || cmake --preset $(PRESET)
+
+install: build
+	cmake --install $(BUILD) --prefix "$(PREFIX)"
 
 # Engine and tool-logic tests under AddressSanitizer and UBSan.
 sanitize:

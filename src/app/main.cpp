@@ -1,5 +1,6 @@
 // The desktop calculator: one application object, one event loop.
 #include <QApplication>
+#include <QIcon>
 #include <filesystem>
 
 #include "app/application_gui.h"
@@ -8,6 +9,9 @@ int main(int argc, char** argv) {
   QApplication qt(argc, argv);
   QApplication::setApplicationName(QStringLiteral("MERIDA"));
   QApplication::setApplicationVersion(QStringLiteral("7.6"));
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/io.github.merida.Merida.svg")));
+  // Wayland and the desktop entry match windows to the entry by this name.
+  QGuiApplication::setDesktopFileName(QStringLiteral("io.github.merida.Merida"));
 
   std::error_code error;
   std::filesystem::path dir = std::filesystem::current_path(error);

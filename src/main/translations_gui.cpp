@@ -7,8 +7,12 @@
 namespace merida {
 
 Translations::Translations(AppState& state) : state_(state) {
-  [[maybe_unused]] bool loaded = captions_.load(QStringLiteral(":/i18n/merida_ja.qm"));
-  Q_ASSERT(loaded);
+  // An installed catalogue can be updated without rebuilding; the embedded one always works.
+  QString installed = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/merida/translations");
+  if (!captions_.load(QStringLiteral("merida_ja.qm"), installed)) {
+    [[maybe_unused]] bool loaded = captions_.load(QStringLiteral(":/i18n/merida_ja.qm"));
+    Q_ASSERT(loaded);
+  }
   // Missing system catalogues only leave "Yes"/"Cancel" in English.
   (void)platform_.load(QStringLiteral("qtbase_ja"), QLibraryInfo::path(QLibraryInfo::TranslationsPath));
 }

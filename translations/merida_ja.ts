@@ -60,6 +60,37 @@
     </message>
 </context>
 <context>
+    <name>merida::DoubleIntegrationWindow</name>
+    <message>
+        <source>Double Integration</source>
+        <translation>重積分</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Var</source>
+        <translation>変数</translation>
+    </message>
+    <message>
+        <source>Min</source>
+        <translation>始点</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>終点</translation>
+    </message>
+    <message>
+        <source>Num</source>
+        <translation>分割数</translation>
+    </message>
+</context>
+<context>
     <name>merida::ErrorWindow</name>
     <message>
         <source>Error Message</source>
@@ -208,6 +239,37 @@
     <message>
         <source>Japanese Transfer?</source>
         <translation>英語にしますか?</translation>
+    </message>
+</context>
+<context>
+    <name>merida::IntegrationWindow</name>
+    <message>
+        <source>Integration</source>
+        <translation>積分</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Double</source>
+        <translation>二重</translation>
+    </message>
+    <message>
+        <source>Min</source>
+        <translation>始点</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>終点</translation>
+    </message>
+    <message>
+        <source>Num</source>
+        <translation>分割数</translation>
     </message>
 </context>
 <context>

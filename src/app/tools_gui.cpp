@@ -6,6 +6,7 @@
 
 #include "algebra/prime_window.h"
 #include "algebra/simult_window.h"
+#include "calculus/integration_window.h"
 #include "graph/graph_tools_gui.h"
 #include "graph/graph_window.h"
 #include "graph/parameter_window.h"
@@ -26,7 +27,8 @@ std::function<void()> Opener(Make make) {
       (*window)->activateWindow();
       return;
     }
-    delete window->data();
+    // A window closed during its run is still inside its button handler: delete it later.
+    if (*window) (*window)->deleteLater();
     *window = make();
     (*window)->show();
   };
@@ -58,6 +60,8 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   main.setToolOpener(13, [=] { ShowSimultWindow(m, *e, *s, SimultWindow::kEquationsMode); });
   main.setToolOpener(16, [=] { ShowSimultWindow(m, *e, *s, SimultWindow::kMatrixMode); });
   main.setToolOpener(20, [=] { ShowPrimeWindow(m, *e, *s); });
+  MainFormula mainFormula{[m] { return m->formulaText(); }, [m](const QString& a) { m->setAnswerText(a); }};
+  main.setToolOpener(7, Opener<IntegrationWindow>([=] { return new IntegrationWindow(*e, *s, mainFormula, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
 }
 

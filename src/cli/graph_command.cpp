@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/graph_command.h"
+#include "cli/options.h"
 #include "engine/number_text.h"
 #include "graph/graph_plot.h"
 
@@ -56,6 +57,7 @@ int RunGraph(Context& ctx, const std::vector<std::string>& args) {
   } else {
     plot = PlotGo(ctx.engine, ctx.state, *formula, boxes);
   }
+  if (plot.divisionsBox) ReportBox("Text3", *plot.divisionsBox);
   const bool produced = plot.end == PlotEnd::kCompleted;
   if (plot.end == PlotEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("Overflow");
   if (produced) {

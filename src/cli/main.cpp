@@ -18,6 +18,8 @@ int RunInverse(Context&, const std::vector<std::string>&);
 int RunPfactor(Context&, const std::vector<std::string>&);
 int RunPrimes(Context&, const std::vector<std::string>&);
 int RunGcm(Context&, const std::vector<std::string>&);
+int RunInteg(Context&, const std::vector<std::string>&);
+int RunDinteg(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
@@ -32,6 +34,8 @@ constexpr CommandEntry kCommands[] = {
     {"pfactor", "pfactor N", RunPfactor},
     {"primes", "primes N", RunPrimes},
     {"gcm", "gcm A B", RunGcm},
+    {"integ", "integ --min A --max B --num N FORMULA", RunInteg},
+    {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
 };
 }  // namespace merida::cli
 

@@ -62,6 +62,18 @@ PointStatus FormulaSampler::at(double x, double& y) {
   return status(y);
 }
 
+void FormulaSampler::substitute(std::string_view name, double value) {
+  engine_.RestoreProgram(saved_);
+  engine_.BindVariableCells(name, value);
+  substituted_ = engine_.SaveProgram(saved_.n);
+}
+
+PointStatus FormulaSampler::atSubstituted(double x, double& y) {
+  restoreSums();
+  y = engine_.EvaluateAt(substituted_, x);
+  return status(y);
+}
+
 PointStatus FormulaSampler::atCells(const std::vector<std::pair<std::string, double>>& bindings,
                                     double& y) {
   Engine& e = engine_;

@@ -34,6 +34,11 @@ class FormulaSampler {
   // f at x: the saved program put back, sums folded at x, evaluated at x.
   PointStatus at(double x, double& y);
 
+  // A second saved copy in which every cell of `name` is a number cell holding `value` (its
+  // 15-digit text); atSubstituted evaluates that copy with the remaining variable at x.
+  void substitute(std::string_view name, double value);
+  PointStatus atSubstituted(double x, double& y);
+
   // f with each named variable replaced by a number cell (the two-variable tools).
   PointStatus atCells(const std::vector<std::pair<std::string, double>>& bindings, double& y);
 
@@ -43,6 +48,7 @@ class FormulaSampler {
 
   Engine& engine_;
   SavedProgram saved_;
+  SavedProgram substituted_;
   std::vector<std::string> variables_;
   // Sums are folded at every point from the integral table, which the next compilation
   // overwrites; a sampler keeps its own copy so two formulas can be sampled side by side.

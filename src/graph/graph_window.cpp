@@ -13,18 +13,6 @@
 namespace merida {
 namespace {
 
-QGroupBox* BoxFrame(const char* frameName, QLineEdit*& box, const char* boxName) {
-  auto* frame = new QGroupBox;
-  frame->setObjectName(frameName);
-  box = new QLineEdit;
-  box->setObjectName(boxName);
-  box->setMaximumWidth(110);
-  auto* layout = new QVBoxLayout(frame);
-  layout->setContentsMargins(6, 2, 6, 4);
-  layout->addWidget(box);
-  return frame;
-}
-
 ChartWidget::Type ChartTypeOf(ChartType t) {
   return t == ChartType::kLogLin ? ChartWidget::Type::kLogLin : ChartWidget::Type::kLine;
 }
@@ -42,9 +30,9 @@ GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString(
   Command6 = makeButton("Command6");
   Command7 = makeButton("Command7");
   Command8 = makeButton("Command8");
-  Frame1 = BoxFrame("Frame1", Text1, "Text1");
-  Frame2 = BoxFrame("Frame2", Text2, "Text2");
-  Frame3 = BoxFrame("Frame3", Text3, "Text3");
+  Frame1 = makeBoxFrame("Frame1", Text1, "Text1");
+  Frame2 = makeBoxFrame("Frame2", Text2, "Text2");
+  Frame3 = makeBoxFrame("Frame3", Text3, "Text3");
   Graph1 = new ChartWidget;
   Graph1->setObjectName("Graph1");
   Graph1->setMinimumSize(480, 360);

@@ -150,6 +150,8 @@ void MainWindow::setFormulaText(const QString& text) { Text1->setText(text); }
 
 QString MainWindow::answerText() const { return Label1->text(); }
 
+void MainWindow::setAnswerText(const QString& text) { Label1->setText(text); }
+
 void MainWindow::calc() {
   RunGuard guard(running_);
   if (!guard.entered()) return;

@@ -31,6 +31,8 @@ class MainWindow : public ToolWindow {
   QString formulaText() const;
   void setFormulaText(const QString& text);
   QString answerText() const;
+  // The tools that answer in the main window (the integrals) write the label here.
+  void setAnswerText(const QString& text);
 
  signals:
   // The window was closed (End or the title bar): the program ends.

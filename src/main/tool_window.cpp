@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QVBoxLayout>
 
 namespace merida {
 namespace {
@@ -80,6 +81,18 @@ void ToolWindow::showEvent(QShowEvent* event) {
   CollectInLayoutOrder(layout(), order);
   for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
   QWidget::showEvent(event);
+}
+
+QGroupBox* ToolWindow::makeBoxFrame(const char* frameName, QLineEdit*& box, const char* boxName) {
+  auto* frame = new QGroupBox;
+  frame->setObjectName(frameName);
+  box = new QLineEdit;
+  box->setObjectName(boxName);
+  box->setMaximumWidth(110);
+  auto* layout = new QVBoxLayout(frame);
+  layout->setContentsMargins(6, 2, 6, 4);
+  layout->addWidget(box);
+  return frame;
 }
 
 void ToolWindow::pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButton* button) {

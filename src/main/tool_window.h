@@ -1,6 +1,7 @@
 // The base of every window: captions in the display language, printing, stopping a run.
 #pragma once
 
+#include <QGroupBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QWidget>
@@ -32,6 +33,8 @@ class ToolWindow : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   // Tab order follows the layout (rows of a grid, then columns), not the order of creation.
   void showEvent(QShowEvent* event) override;
+  // A captioned frame holding one text box, both named as the code refers to them.
+  static QGroupBox* makeBoxFrame(const char* frameName, QLineEdit*& box, const char* boxName);
   // Enter in any of `boxes` presses `button`: the window's main action for those boxes.
   void pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButton* button);
 

@@ -51,6 +51,7 @@ TEST_F(GraphCliTest, CappedPlotHasSixThousandLinesEndingAtMax) {
   auto p = Points(r.out);
   ASSERT_EQ(p.size(), 6000u);
   EXPECT_EQ(p.back().first, 3);
+  EXPECT_EQ(r.err, "Text3: 6000\n") << "the window shows the cap in its Num box";
 }
 
 TEST_F(GraphCliTest, ErrorsSilentEndsFaultsAndUsage) {

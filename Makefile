@@ -35,6 +35,7 @@ bench:
 	cmake --build --preset bench
 	./build/bench/bench/engine_bench
 	./build/bench/bench/graph_bench
+	./build/bench/bench/integration_bench
 	./build/bench/bench/graph_chart_bench
 	bench/primes_vs_primesieve.sh build/bench/merida-cli
 

@@ -80,6 +80,11 @@ void ToolWindow::showEvent(QShowEvent* event) {
   std::vector<QWidget*> order;
   CollectInLayoutOrder(layout(), order);
   for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+  // A window opens ready for typing: in its first box, else its first control.
+  if (!focusWidget() && !order.empty()) {
+    auto box = std::find_if(order.begin(), order.end(), [](QWidget* w) { return qobject_cast<QLineEdit*>(w); });
+    (box != order.end() ? *box : order.front())->setFocus();
+  }
   QWidget::showEvent(event);
 }
 

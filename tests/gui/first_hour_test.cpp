@@ -173,6 +173,19 @@ TEST_F(FirstHour, EnterInPrimeBoxesFactorsThatBox) {
   EXPECT_EQ(lines(), (QStringList{" 2＾ 3", " 3＾ 2", " 5"}));
 }
 
+TEST_F(FirstHour, ToolWindowsOpenWithTheCursorInTheirFirstBox) {
+  start();
+  press(20);
+  QWidget* prime = window(QStringLiteral("PrimeWindow"));
+  ASSERT_NE(prime, nullptr);
+  EXPECT_EQ(prime->focusWidget(), child<QLineEdit>(prime, "Text1"));
+  main().setFormulaText("x");
+  press(7);
+  QWidget* integration = window(QStringLiteral("IntegrationWindow"));
+  ASSERT_NE(integration, nullptr);
+  EXPECT_EQ(integration->focusWidget(), child<QLineEdit>(integration, "Text1"));
+}
+
 // Tab never jumps back up and to the left: it reads each window as it is laid out.
 TEST_F(FirstHour, TabOrderFollowsTheLayout) {
   for (const char* language : {"English", "Japanese"}) {

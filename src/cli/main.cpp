@@ -20,6 +20,7 @@ int RunPrimes(Context&, const std::vector<std::string>&);
 int RunGcm(Context&, const std::vector<std::string>&);
 int RunInteg(Context&, const std::vector<std::string>&);
 int RunDinteg(Context&, const std::vector<std::string>&);
+int RunDelay(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
@@ -35,6 +36,7 @@ constexpr CommandEntry kCommands[] = {
     {"primes", "primes N", RunPrimes},
     {"gcm", "gcm A B", RunGcm},
     {"integ", "integ --min A --max B --num N FORMULA", RunInteg},
+    {"delay", "delay --steps N --init V1,V2,...,VK FORMULA", RunDelay},
     {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
 };
 }  // namespace merida::cli

@@ -507,6 +507,24 @@ void Engine::BindVariableCells(std::string_view name, double value) {
   Touch();
 }
 
+int16_t Engine::FoldCellPairs(int16_t n, std::string_view name, const std::function<double(double)>& value) {
+  for (int i = 2; i <= n;) {
+    if (Program.cells_[i].Value != name) {
+      ++i;
+      continue;
+    }
+    ProgramCell& folded = Program.cells_[i - 1];
+    folded.Value = PlainText(value(ReadLenient(folded.Value)));
+    folded.Kind = kOperandKind;
+    folded.Precedence = 4;
+    folded.Link = 0;
+    for (int j = i; j < n; ++j) Program.cells_[j] = std::move(Program.cells_[j + 1]);
+    --n;
+  }
+  Touch();
+  return n;
+}
+
 bool Engine::programHasSums(int16_t n) const {
   for (int i = 1; i <= n; ++i) {
     if (Program.cells_[i].Value == "sgm") return true;

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -141,6 +142,9 @@ class Engine {
   void RestoreProgram(const SavedProgram& saved);
   // Replaces every cell whose text is `name` by a number cell holding `value` (15 digits).
   void BindVariableCells(std::string_view name, double value);
+  // Replaces every pair of cells (k, `name`) of the first n by one number cell holding
+  // value(k) as text (the delay window's timestep(k)); returns the new length.
+  int16_t FoldCellPairs(int16_t n, std::string_view name, const std::function<double(double)>& value);
   // True when the program holds sum cells that must be folded at every point.
   bool programHasSums(int16_t n) const;
   // One point of a tool window: restore, fold sums at x, evaluate at x. failed() tells errors.

@@ -74,12 +74,21 @@ PointStatus FormulaSampler::atSubstituted(double x, double& y) {
   return status(y);
 }
 
+PointStatus FormulaSampler::atFolded(std::string_view name, const std::function<double(double)>& value, double& y) {
+  engine_.RestoreProgram(saved_);
+  return evaluateProgram(engine_.FoldCellPairs(saved_.n, name, value), y);
+}
+
 PointStatus FormulaSampler::atCells(const std::vector<std::pair<std::string, double>>& bindings,
                                     double& y) {
   Engine& e = engine_;
   e.RestoreProgram(saved_);
   for (const auto& [name, value] : bindings) e.BindVariableCells(name, value);
-  int16_t n = saved_.n;
+  return evaluateProgram(saved_.n, y);
+}
+
+PointStatus FormulaSampler::evaluateProgram(int16_t n, double& y) {
+  Engine& e = engine_;
   if (hasSums_) {
     restoreSums();
     e.CurrentSlot += 1;

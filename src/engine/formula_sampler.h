@@ -1,6 +1,7 @@
 // Compile once, keep the SavedProgram, evaluate point by point: the loop of every tool window.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,11 +40,17 @@ class FormulaSampler {
   void substitute(std::string_view name, double value);
   PointStatus atSubstituted(double x, double& y);
 
+  // f with every pair of cells (k, `name`) folded into a number cell holding value(k): the
+  // delay window's timestep(k). The formula has no free variable.
+  PointStatus atFolded(std::string_view name, const std::function<double(double)>& value, double& y);
+
   // f with each named variable replaced by a number cell (the two-variable tools).
   PointStatus atCells(const std::vector<std::pair<std::string, double>>& bindings, double& y);
 
  private:
   PointStatus status(double y) const;
+  // The program as it stands, sums folded at the current XValue, evaluated.
+  PointStatus evaluateProgram(int16_t n, double& y);
   void restoreSums();
 
   Engine& engine_;

@@ -98,7 +98,14 @@ ChartWidget::ChartWidget(QWidget* parent) : QChartView(parent) {
   chart()->addAxis(yLog_, Qt::AlignLeft);
   yLog_->setVisible(false);
   applyPalette();
-  connect(chart(), &QChart::plotAreaChanged, this, [this] { fitEqualScale(); });
+  // A refit changes the labels, which can move the plot area again: a few rounds settle it, and
+  // a cap keeps two label widths from trading places forever.
+  connect(chart(), &QChart::plotAreaChanged, this, [this] {
+    if (refits_ < 4) {
+      ++refits_;
+      fitEqualScale();
+    }
+  });
 }
 
 void ChartWidget::applyPalette() {
@@ -117,6 +124,11 @@ void ChartWidget::applyPalette() {
   }
 }
 
+void ChartWidget::resizeEvent(QResizeEvent* event) {
+  refits_ = 0;
+  QChartView::resizeEvent(event);
+}
+
 void ChartWidget::changeEvent(QEvent* event) {
   QChartView::changeEvent(event);
   if (event->type() == QEvent::PaletteChange) applyPalette();
@@ -126,11 +138,12 @@ void ChartWidget::fitEqualScale() {
   if (!equal_ || type_ != Type::kLine || fitting_ || !hasData_) return;
   const QRectF area = chart()->plotArea();
   if (area.width() < 1 || area.height() < 1) return;
-  fitting_ = true;
   double w = dataBounds_.width(), h = dataBounds_.height();
   if (w == 0 && h == 0) w = h = 2;
   // 5% room around the curve, then the larger of the two scales for both axes.
   const double unit = 1.05 * std::max(w / area.width(), h / area.height());
+  if (!std::isfinite(unit * std::max(area.width(), area.height()))) return;  // spans near the double range
+  fitting_ = true;
   const double halfX = unit * area.width() / 2, halfY = unit * area.height() / 2;
   const QPointF centre = dataBounds_.center();
   const double step = NiceStep(std::max(halfX, halfY) / 4);
@@ -215,6 +228,7 @@ void ChartWidget::draw() {
   }
   xAxis_->setGridLineVisible(grid_);
   yAxis->setGridLineVisible(grid_);
+  refits_ = 0;
   hasData_ = !xs.empty() && !ys.empty();
   if (hasData_) dataBounds_ = QRectF(QPointF(xs.lo, ys.lo), QPointF(xs.hi, ys.hi));
   fitEqualScale();

@@ -60,6 +60,7 @@ class ChartWidget : public QChartView {
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void exportAs(const QString& suffix);
@@ -72,6 +73,7 @@ class ChartWidget : public QChartView {
   bool thin_ = false;
   bool equal_ = false;
   bool fitting_ = false;
+  int refits_ = 0;  // plot-area changes answered since the last draw or resize
   bool hasData_ = false;
   QRectF dataBounds_;  // the drawn points' extent, for the equal-scale fit
   int sets_ = 1;

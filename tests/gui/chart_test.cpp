@@ -101,6 +101,37 @@ TEST_F(ChartTest, GoAfterPoleScalesEachAxisToItsData) {
   EXPECT_LE(y->max(), 15);
 }
 
+// Degenerate point sets on an equal-scale chart still give finite axes around the points.
+TEST(EqualScaleChart, DegenerateSetsKeepFiniteAxesAroundThePoints) {
+  const QList<QList<QPointF>> sets = {
+      {QPointF(3, 4)},                                   // one point
+      {QPointF(2, -1), QPointF(2, 5)},                   // a vertical line
+      {QPointF(-1e308, 0), QPointF(1e308, 1)},           // a span beyond the double range
+      {QPointF(1e-300, 1e-300), QPointF(2e-300, 3e-300)}  // a tiny span
+  };
+  for (const QList<QPointF>& points : sets) {
+    ChartWidget chart;
+    chart.resize(500, 300);
+    chart.show();
+    chart.setEqualScale(true);
+    chart.setPoints(1, points);
+    chart.draw();
+    for (int k = 0; k < 5; ++k) QCoreApplication::processEvents();
+    auto* y = qobject_cast<QValueAxis*>(chart.verticalAxis());
+    ASSERT_NE(y, nullptr);
+    for (QValueAxis* axis : {chart.horizontalAxis(), y}) {
+      EXPECT_TRUE(std::isfinite(axis->min()) && std::isfinite(axis->max())) << points.first().x();
+      EXPECT_LT(axis->min(), axis->max()) << points.first().x();
+    }
+    for (const QPointF& p : points) {
+      EXPECT_LE(chart.horizontalAxis()->min(), p.x());
+      EXPECT_GE(chart.horizontalAxis()->max(), p.x());
+      EXPECT_LE(y->min(), p.y());
+      EXPECT_GE(y->max(), p.y());
+    }
+  }
+}
+
 struct LogCase {
   const char* formula;
   const char* start;

@@ -108,6 +108,20 @@ TEST_F(GridTest, LongNumbersTypedIntoEveryWindowShowWhole) {
   EXPECT_EQ(data.Grid1->cellText(2, 2), "-.25");
 }
 
+TEST_F(GridTest, ALongNumberFarDownAFullColumnWidensIt) {
+  StatDataWindow w(engine, state);
+  w.show();
+  SetBox(w.Text1, "3");
+  SetBox(w.Text3, "5000");
+  ASSERT_EQ(w.Grid1->rowCount(), 5001);
+  w.Grid1->setCurrentCell(4990, 2);
+  Enter(w.Text2, {"-1.234567E-30"});
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(ShowsWhole(w.Grid1, 4990, 2));
+  EXPECT_TRUE(ShowsWhole(w.Grid1, 5000, 0));
+  EXPECT_GT(w.Grid1->columnWidth(2), w.Grid1->columnWidth(1));
+}
+
 struct GrowCase {
   const char* name;
   std::function<QWidget*(GridTest&)> open;

@@ -1,4 +1,4 @@
-// Linear systems: Go's own elimination in double precision and the matrix component's operations.
+// Linear systems: Go's own elimination and the matrix component's operations, both in double precision.
 #include "algebra/linear_system.h"
 
 #include <array>
@@ -63,16 +63,25 @@ std::optional<LinearResult> ReadCells(const CellTexts& grid, bool withConstants,
 
 bool FitsSingle(double v) { return std::isfinite(v) && std::fabs(v) <= FLT_MAX; }
 
+// Results are listed in single precision; one beyond its range is an overflow.
+bool AllFitSingle(const std::vector<double>& values) {
+  for (double v : values) {
+    if (!FitsSingle(v)) return false;
+  }
+  return true;
+}
+
 std::string UnknownLine(int i, float v) { return " X" + std::to_string(i) + " = " + ListText(v); }
 
-// The grid's numbers as the matrix component takes them; false when one leaves the single range.
+// The grid's numbers rounded to single precision, as the window reads them, then handed to the
+// component in double so that exact problems stay exact; false when one leaves the single range.
 bool ToComponent(const ReadGrid& g, bool withConstants, MatrixControl& m) {
-  std::vector<float> matrix, rhs;
+  std::vector<double> matrix, rhs;
   for (int i = 1; i <= g.n; ++i) {
     for (int j = 1; j <= g.n + (withConstants ? 1 : 0); ++j) {
       double v = g.cell[static_cast<size_t>(i)][static_cast<size_t>(j)];
       if (!FitsSingle(v)) return false;
-      (j <= g.n ? matrix : rhs).push_back(static_cast<float>(v));
+      (j <= g.n ? matrix : rhs).push_back(static_cast<double>(static_cast<float>(v)));
     }
   }
   m.setOrder(g.n);
@@ -140,9 +149,11 @@ LinearResult SolveByMatrix(const CellTexts& grid) {
   if (!ToComponent(g, true, m)) return Outcome(LinearOutcome::Fault);
   MatrixResult x = m.solve();
   if (x.status == MatrixStatus::Singular) return Listed(LinearOutcome::Refused, kSingularLines);
-  if (x.status == MatrixStatus::Overflow) return Outcome(LinearOutcome::Fault);
+  if (x.status == MatrixStatus::Overflow || !AllFitSingle(x.values)) return Outcome(LinearOutcome::Fault);
   LinearResult result = Outcome(LinearOutcome::Listed);
-  for (int i = 1; i <= g.n; ++i) result.lines.push_back(UnknownLine(i, x.values[static_cast<size_t>(i - 1)]));
+  for (int i = 1; i <= g.n; ++i) {
+    result.lines.push_back(UnknownLine(i, static_cast<float>(x.values[static_cast<size_t>(i - 1)])));
+  }
   return result;
 }
 
@@ -152,8 +163,8 @@ LinearResult Determinant(const CellTexts& grid) {
   MatrixControl m;
   if (!ToComponent(g, false, m)) return Outcome(LinearOutcome::Fault);
   MatrixResult d = m.determinant();
-  if (d.status != MatrixStatus::Ok) return Outcome(LinearOutcome::Fault);
-  return Listed(LinearOutcome::Listed, {ListText(d.values[0])});
+  if (d.status != MatrixStatus::Ok || !AllFitSingle(d.values)) return Outcome(LinearOutcome::Fault);
+  return Listed(LinearOutcome::Listed, {ListText(static_cast<float>(d.values[0]))});
 }
 
 LinearResult Inverse(const CellTexts& grid) {
@@ -163,12 +174,12 @@ LinearResult Inverse(const CellTexts& grid) {
   if (!ToComponent(g, false, m)) return Outcome(LinearOutcome::Fault);
   MatrixResult inv = m.inverse();
   if (inv.status == MatrixStatus::Singular) return Listed(LinearOutcome::Refused, kSingularLines);
-  if (inv.status == MatrixStatus::Overflow) return Outcome(LinearOutcome::Fault);
+  if (inv.status == MatrixStatus::Overflow || !AllFitSingle(inv.values)) return Outcome(LinearOutcome::Fault);
   LinearResult result = Outcome(LinearOutcome::Listed);
   result.cells.assign(static_cast<size_t>(g.n), {});
   for (int i = 0; i < g.n; ++i) {
     for (int j = 0; j < g.n; ++j) {
-      float v = inv.values[static_cast<size_t>(i * g.n + j)];
+      auto v = static_cast<float>(inv.values[static_cast<size_t>(i * g.n + j)]);
       result.cells[static_cast<size_t>(i)].push_back(std::fabs(v) < kInverseThreshold ? "0" : CellText(v));
     }
   }

@@ -32,9 +32,10 @@ struct LinearResult {
 
 // Go: Gauss-Jordan elimination in double precision without pivoting; unknowns listed in single.
 LinearResult SolveByElimination(const CellTexts& grid);
-// Simult: the same system solved in single precision by the matrix component.
+// Simult: the same system, read in single precision, solved in double by the matrix component;
+// the unknowns listed in single.
 LinearResult SolveByMatrix(const CellTexts& grid);
-// Determinant of the n x n matrix, one line.
+// Determinant of the n x n matrix (read in single, computed in double), one line in single.
 LinearResult Determinant(const CellTexts& grid);
 // Inverse matrix written back as cell texts (elements below 1e-6 in magnitude become "0");
 // the list is emptied.

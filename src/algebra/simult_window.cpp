@@ -3,7 +3,6 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QVBoxLayout>
 
 namespace merida {
@@ -20,13 +19,6 @@ void UpperCaseAsTyped(QLineEdit* box) {
     box->setText(upper);
     box->setCursorPosition(cursor);
   });
-}
-
-QTableWidgetItem* HeaderItem(const QString& text) {
-  auto* item = new QTableWidgetItem(text);
-  item->setFlags(Qt::ItemIsEnabled);
-  item->setBackground(QPalette().button());
-  return item;
 }
 
 }  // namespace
@@ -50,11 +42,6 @@ SimultWindow::SimultWindow(Engine& engine, AppState& state, QWidget* parent) : T
   make(List1, "List1");
   make(Grid1, "Grid1");
 
-  Grid1->horizontalHeader()->hide();
-  Grid1->verticalHeader()->hide();
-  Grid1->horizontalHeader()->setDefaultSectionSize(64);
-  Grid1->setSelectionMode(QAbstractItemView::SingleSelection);
-  Grid1->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed);
   Text1->setMaximumWidth(60);
   List1->setMinimumWidth(180);
 
@@ -82,9 +69,11 @@ SimultWindow::SimultWindow(Engine& engine, AppState& state, QWidget* parent) : T
   UpperCaseAsTyped(Text2);
   connect(Text1, &QLineEdit::returnPressed, this, &SimultWindow::applyDimension);
   connect(Text2, &QLineEdit::returnPressed, this, &SimultWindow::enterCell);
-  connect(Grid1, &QTableWidget::cellClicked, this, [this](int row, int column) {
+  auto follow = [this](int row, int column) {
     if (row >= 1 && column >= 1) current_ = {row, column};
-  });
+  };
+  connect(Grid1, &QTableWidget::cellClicked, this, follow);
+  connect(Grid1, &QTableWidget::currentCellChanged, this, follow);
   connect(Command1, &QPushButton::clicked, this, [this] { run(SolveByElimination); });
   connect(Command5, &QPushButton::clicked, this, [this] { run(SolveByMatrix); });
   connect(Command3, &QPushButton::clicked, this, [this] { run(Determinant); });
@@ -123,32 +112,29 @@ void SimultWindow::retranslate() {
   Command3->setText(caption(QT_TR_NOOP("Determinant")));
   Command4->setText(caption(QT_TR_NOOP("Inverse Determi")));
   Command2->setText(caption(QT_TR_NOOP("Close")));
-  if (QTableWidgetItem* corner = Grid1->item(0, 0)) corner->setText(caption(QT_TR_NOOP("Coeff")));
-  // "Simult" stays Latin among Japanese captions: keep the buttons one height.
-  int height = 0;
+  Grid1->setCellText(0, 0, caption(QT_TR_NOOP("Coeff")));
+  // "Simult" stays Latin among Japanese captions: keep the buttons one height. The longest
+  // caption gets a character's room besides, so that it does not run into the button's edge.
+  int height = 0, width = 0;
   for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) {
-    b->setMinimumHeight(0);
+    b->setMinimumSize(0, 0);
     height = std::max(height, b->sizeHint().height());
+    width = std::max(width, b->sizeHint().width() + 2 * b->fontMetrics().averageCharWidth());
   }
-  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) b->setMinimumHeight(height);
+  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) b->setMinimumSize(width, height);
 }
 
 void SimultWindow::layoutGrid() {
   const int n = systemOrder_;
-  Grid1->clear();
-  Grid1->setRowCount(n + 1);
-  Grid1->setColumnCount(matrixMode() ? n + 1 : n + 2);
-  Grid1->setItem(0, 0, HeaderItem(caption(QT_TR_NOOP("Coeff"))));
+  Grid1->reset(n + 1, matrixMode() ? n + 1 : n + 2);
+  Grid1->setCellText(0, 0, caption(QT_TR_NOOP("Coeff")));
   const auto columns = ColumnHeaders(n, matrixMode());
   for (size_t j = 0; j < columns.size(); ++j) {
-    Grid1->setItem(0, static_cast<int>(j) + 1, HeaderItem(QString::fromStdString(columns[j])));
+    Grid1->setCellText(0, static_cast<int>(j) + 1, QString::fromStdString(columns[j]));
   }
   const auto rows = RowHeaders(n);
   for (size_t i = 0; i < rows.size(); ++i) {
-    Grid1->setItem(static_cast<int>(i) + 1, 0, HeaderItem(QString::fromStdString(rows[i])));
-  }
-  for (int i = 1; i <= n; ++i) {
-    for (int j = 1; j < Grid1->columnCount(); ++j) Grid1->setItem(i, j, new QTableWidgetItem);
+    Grid1->setCellText(static_cast<int>(i) + 1, 0, QString::fromStdString(rows[i]));
   }
   setCurrent({1, 1});
 }
@@ -167,7 +153,7 @@ void SimultWindow::applyDimension() {
 }
 
 void SimultWindow::enterCell() {
-  Grid1->item(current_.row, current_.column)->setText(Text2->text());
+  Grid1->setCellText(current_.row, current_.column, Text2->text());
   Text2->clear();
   setCurrent(NextCell(current_, systemOrder_, matrixMode()));
 }
@@ -177,7 +163,7 @@ CellTexts SimultWindow::gridTexts() const {
   const int columns = matrixMode() ? systemOrder_ : systemOrder_ + 1;
   for (int i = 1; i <= systemOrder_; ++i) {
     auto& row = grid.emplace_back();
-    for (int j = 1; j <= columns; ++j) row.push_back(Grid1->item(i, j)->text().toStdString());
+    for (int j = 1; j <= columns; ++j) row.push_back(Grid1->cellText(i, j).toStdString());
   }
   return grid;
 }
@@ -191,7 +177,7 @@ void SimultWindow::run(LinearResult (*operation)(const CellTexts&)) {
       for (const std::string& line : r.lines) List1->addItem(QString::fromStdString(line));
       for (size_t i = 0; i < r.cells.size(); ++i) {
         for (size_t j = 0; j < r.cells[i].size(); ++j) {
-          Grid1->item(static_cast<int>(i) + 1, static_cast<int>(j) + 1)->setText(QString::fromStdString(r.cells[i][j]));
+          Grid1->setCellText(static_cast<int>(i) + 1, static_cast<int>(j) + 1, QString::fromStdString(r.cells[i][j]));
         }
       }
       break;

@@ -5,9 +5,9 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTableWidget>
 
 #include "algebra/linear_system.h"
+#include "controls/grid_widget.h"
 #include "main/tool_window.h"
 
 namespace merida {
@@ -40,7 +40,7 @@ class SimultWindow : public ToolWindow {
   QPushButton* Command4;
   QPushButton* Command5;
   QListWidget* List1;
-  QTableWidget* Grid1;
+  GridWidget* Grid1;
 
  private:
   // A caption in the display language of the moment.

@@ -26,18 +26,26 @@ struct Span {
   double lo = std::numeric_limits<double>::infinity();
   double hi = -std::numeric_limits<double>::infinity();
   void add(double v) {
+    if (!std::isfinite(v)) return;
     lo = std::min(lo, v);
     hi = std::max(hi, v);
   }
   bool empty() const { return lo > hi; }
 };
 
-void ScaleLinear(QValueAxis* axis, Span s) {
-  if (s.empty()) s = {0, 1};
+// A span that can be drawn: some width, even for a single value.
+Span Drawable(Span s) {
+  if (s.empty()) return {0, 1};
   if (s.lo == s.hi) {
     double pad = s.lo == 0 ? 1 : std::fabs(s.lo) * 0.1;
-    s = {s.lo - pad, s.hi + pad};
+    return {s.lo - pad, s.hi + pad};
   }
+  return s;
+}
+
+void ScaleLinear(QValueAxis* axis, Span s) {
+  s = Drawable(s);
+  axis->setTickType(QValueAxis::TicksFixed);
   axis->setRange(s.lo, s.hi);
   // Nice numbers need a finite span; a span of a few ulps would give a useless tick search.
   if (std::isfinite(s.hi - s.lo) && s.hi - s.lo > 1e-9 * std::max(std::fabs(s.lo), std::fabs(s.hi))) {
@@ -45,12 +53,29 @@ void ScaleLinear(QValueAxis* axis, Span s) {
   }
 }
 
+// 1, 2 or 5 times a power of ten, at least `raw`.
+double NiceStep(double raw) {
+  double decade = std::pow(10.0, std::floor(std::log10(raw)));
+  for (double m : {1.0, 2.0, 5.0}) {
+    if (m * decade >= raw) return m * decade;
+  }
+  return 10 * decade;
+}
+
+QColor Mix(const QColor& a, const QColor& b, double t) {
+  return QColor::fromRgbF(static_cast<float>(a.redF() + (b.redF() - a.redF()) * t),
+                          static_cast<float>(a.greenF() + (b.greenF() - a.greenF()) * t),
+                          static_cast<float>(a.blueF() + (b.blueF() - a.blueF()) * t));
+}
+
 void ScaleLog(QLogValueAxis* axis, Span s) {
   if (s.empty()) s = {1, 10};
   double lo = std::pow(10.0, std::floor(std::log10(s.lo)));
   double hi = std::pow(10.0, std::ceil(std::log10(s.hi)));
   if (!(hi > lo)) hi = lo * 10;
-  axis->setRange(lo, hi);
+  // The axis puts its first label at the power of ten above log(min), and log(0.01) comes out a
+  // hair above -2: start a hair below the decade so that its label is drawn.
+  axis->setRange(lo * (1 - 1e-9), hi);
 }
 
 }  // namespace
@@ -72,6 +97,64 @@ ChartWidget::ChartWidget(QWidget* parent) : QChartView(parent) {
   chart()->addAxis(yLinear_, Qt::AlignLeft);
   chart()->addAxis(yLog_, Qt::AlignLeft);
   yLog_->setVisible(false);
+  applyPalette();
+  // A refit changes the labels, which can move the plot area again: a few rounds settle it, and
+  // a cap keeps two label widths from trading places forever.
+  connect(chart(), &QChart::plotAreaChanged, this, [this] {
+    if (refits_ < 4) {
+      ++refits_;
+      fitEqualScale();
+    }
+  });
+}
+
+void ChartWidget::applyPalette() {
+  const QPalette p = palette();
+  const QColor base = p.color(QPalette::Base), text = p.color(QPalette::Text);
+  setBackgroundBrush(p.base());
+  chart()->setBackgroundBrush(base);
+  chart()->setBackgroundPen(Qt::NoPen);
+  chart()->setPlotAreaBackgroundVisible(false);
+  for (QAbstractAxis* axis : {static_cast<QAbstractAxis*>(xAxis_), static_cast<QAbstractAxis*>(yLinear_),
+                              static_cast<QAbstractAxis*>(yLog_)}) {
+    axis->setLabelsColor(text);
+    axis->setLinePenColor(text);
+    axis->setGridLineColor(Mix(base, text, 0.3));
+    axis->setMinorGridLineColor(Mix(base, text, 0.15));
+  }
+}
+
+void ChartWidget::resizeEvent(QResizeEvent* event) {
+  refits_ = 0;
+  QChartView::resizeEvent(event);
+}
+
+void ChartWidget::changeEvent(QEvent* event) {
+  QChartView::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) applyPalette();
+}
+
+void ChartWidget::fitEqualScale() {
+  if (!equal_ || type_ != Type::kLine || fitting_ || !hasData_) return;
+  const QRectF area = chart()->plotArea();
+  if (area.width() < 1 || area.height() < 1) return;
+  double w = dataBounds_.width(), h = dataBounds_.height();
+  if (w == 0 && h == 0) w = h = 2;
+  // 5% room around the curve, then the larger of the two scales for both axes.
+  const double unit = 1.05 * std::max(w / area.width(), h / area.height());
+  if (!std::isfinite(unit * std::max(area.width(), area.height()))) return;  // spans near the double range
+  fitting_ = true;
+  const double halfX = unit * area.width() / 2, halfY = unit * area.height() / 2;
+  const QPointF centre = dataBounds_.center();
+  const double step = NiceStep(std::max(halfX, halfY) / 4);
+  for (QValueAxis* axis : {xAxis_, yLinear_}) {
+    axis->setTickType(QValueAxis::TicksDynamic);
+    axis->setTickAnchor(0);
+    axis->setTickInterval(step);
+  }
+  xAxis_->setRange(centre.x() - halfX, centre.x() + halfX);
+  yLinear_->setRange(centre.y() - halfY, centre.y() + halfY);
+  fitting_ = false;
 }
 
 void ChartWidget::setDataSets(int count) { sets_ = std::clamp(count, 1, 2); }
@@ -113,17 +196,18 @@ void ChartWidget::draw() {
   const bool log = type_ == Type::kLogLin;
 
   Span xs, ys;
-  // Runs of drawable points per set: a log axis cannot show values of zero or below.
+  // Runs of drawable points per set: a log axis cannot show values of zero or below. The
+  // horizontal axis still spans every point, so Log keeps the range Go showed.
   std::array<QList<QList<QPointF>>, 2> runs;
   for (int s = 0; s < sets_; ++s) {
     QList<QPointF> run;
     for (const QPointF& p : points_[s]) {
+      xs.add(p.x());
       if (log && !(p.y() > 0)) {
         if (!run.isEmpty()) runs[s].append(std::move(run));
         run = {};
         continue;
       }
-      xs.add(p.x());
       ys.add(p.y());
       run.append(p);
     }
@@ -144,6 +228,10 @@ void ChartWidget::draw() {
   }
   xAxis_->setGridLineVisible(grid_);
   yAxis->setGridLineVisible(grid_);
+  refits_ = 0;
+  hasData_ = !xs.empty() && !ys.empty();
+  if (hasData_) dataBounds_ = QRectF(QPointF(xs.lo, ys.lo), QPointF(xs.hi, ys.hi));
+  fitEqualScale();
 
   for (int s = 0; s < sets_; ++s) {
     QPen pen(kSetColors[s]);

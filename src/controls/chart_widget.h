@@ -27,6 +27,10 @@ class ChartWidget : public QChartView {
   void setDataSets(int count);  // 1 or 2
   int dataSets() const { return sets_; }
   void setThinLines(bool thin) { thin_ = thin; }
+  // One scale on both axes (polar and parametric plots), so that a circle is drawn round;
+  // kept as the chart is resized. Linear type only.
+  void setEqualScale(bool on) { equal_ = on; }
+  bool equalScale() const { return equal_; }
 
   // The stored points: a count per set, values from index 1 (the first point).
   void setPointCount(int count);
@@ -42,6 +46,7 @@ class ChartWidget : public QChartView {
   QList<QLineSeries*> drawnSeries(int set = 1) const;
 
   // The axes the last draw used (the vertical one is logarithmic for the log/lin type).
+  // Background, axes, labels and grid take the palette's colours; the curves keep theirs.
   QValueAxis* horizontalAxis() const { return xAxis_; }
   QAbstractAxis* verticalAxis() const;
 
@@ -54,13 +59,23 @@ class ChartWidget : public QChartView {
 
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void exportAs(const QString& suffix);
+  void applyPalette();
+  // Widens one axis's range so that a unit spans as many pixels across as up.
+  void fitEqualScale();
 
   Type type_ = Type::kLine;
   bool grid_ = true;
   bool thin_ = false;
+  bool equal_ = false;
+  bool fitting_ = false;
+  int refits_ = 0;  // plot-area changes answered since the last draw or resize
+  bool hasData_ = false;
+  QRectF dataBounds_;  // the drawn points' extent, for the equal-scale fit
   int sets_ = 1;
   std::array<QList<QPointF>, 2> points_;
   std::array<QList<QLineSeries*>, 2> drawn_;

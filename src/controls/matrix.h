@@ -1,4 +1,4 @@
-// The matrix component: linear systems, inverse and determinant of a square matrix in single precision.
+// The matrix component: linear systems, inverse and determinant of a square matrix in double precision.
 #pragma once
 
 #include <vector>
@@ -9,12 +9,12 @@ enum class MatrixStatus { Ok, Singular, Overflow };
 
 struct MatrixResult {
   MatrixStatus status = MatrixStatus::Ok;
-  std::vector<float> values;  // the solution, the inverse row by row, or the one determinant
+  std::vector<double> values;  // the solution, the inverse row by row, or the one determinant
 };
 
 // Holds a square matrix of order 1 to 10 and a right-hand side, as three settable properties.
-// A matrix is singular when elimination meets an exact zero pivot; results that leave the single
-// range, or inputs that are not finite, are overflows.
+// A matrix is singular when elimination meets an exact zero pivot; results that are not finite,
+// or inputs that are not finite, are overflows.
 class MatrixControl {
  public:
   static constexpr int kMaxOrder = 10;
@@ -23,8 +23,8 @@ class MatrixControl {
   void setOrder(int n);
   int order() const { return order_; }
   // Row-major elements; missing elements are zero, extra ones ignored.
-  void setMatrix(const std::vector<float>& rowMajor);
-  void setVector(const std::vector<float>& rhs);
+  void setMatrix(const std::vector<double>& rowMajor);
+  void setVector(const std::vector<double>& rhs);
 
   // The x with matrix * x = vector.
   MatrixResult solve() const;
@@ -35,8 +35,8 @@ class MatrixControl {
 
  private:
   int order_ = 1;
-  std::vector<float> matrix_ = std::vector<float>(1, 0.0f);
-  std::vector<float> vector_ = std::vector<float>(1, 0.0f);
+  std::vector<double> matrix_ = std::vector<double>(1, 0.0);
+  std::vector<double> vector_ = std::vector<double>(1, 0.0);
 };
 
 }  // namespace merida

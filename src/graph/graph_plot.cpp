@@ -210,6 +210,7 @@ PlotResult PlotPole(Engine& engine, AppState& state, std::string_view formula,
   state.GraphMode = 2;
   PlotResult out = NormalOrPolarRoutine(engine, state, formula, boxes);
   out.chartType = ChartType::kLine;
+  out.equalScale = true;
   return out;
 }
 
@@ -219,6 +220,7 @@ PlotResult PlotPara(Engine& engine, AppState& state, std::string_view first, std
   PlotResult out = ParametricRoutine(engine, state, first, second, boxes);
   out.chartType = ChartType::kLine;
   out.thinLines = true;
+  out.equalScale = true;
   return out;
 }
 

@@ -40,6 +40,7 @@ struct PlotResult {
   std::optional<std::string> divisionsBox;  // new text of Text3 when the count was capped
   ChartType chartType = ChartType::kLine;
   bool thinLines = false;  // the parametric chart
+  bool equalScale = false;  // polar and parametric: one scale on both axes, a circle stays round
   PlotEnd end = PlotEnd::kSilent;
 };
 

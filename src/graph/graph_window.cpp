@@ -101,6 +101,7 @@ void GraphWindow::prepare() {
     state_.GraphMode = 1;
     Graph1->setGraphType(ChartWidget::Type::kLine);
     Graph1->setThinLines(false);
+    Graph1->setEqualScale(false);
     Graph1->setPoints(1, {});
     Graph1->draw();
   }
@@ -140,6 +141,7 @@ void GraphWindow::display(const PlotResult& r) {
   if (r.divisionsBox) Text3->setText(QString::fromStdString(*r.divisionsBox));
   Graph1->setGraphType(ChartTypeOf(r.chartType));
   Graph1->setThinLines(r.thinLines);
+  Graph1->setEqualScale(r.equalScale);
   Graph1->setDataSets(1);
   // A plot that started shows exactly the points it computed; one that never started (formula
   // error, unusable range, Log with nothing to replot) leaves the previous points to redraw.

@@ -12,10 +12,6 @@ namespace merida {
 
 SegmentPicture::SegmentPicture(QWidget* parent) : QWidget(parent) {
   setMinimumSize(360, 360);
-  setAutoFillBackground(true);
-  QPalette p = palette();
-  p.setColor(QPalette::Window, Qt::white);
-  setPalette(p);
 }
 
 void SegmentPicture::setCurve(std::vector<Segment> segments, double xMin, double xMax, double yMin,
@@ -42,15 +38,22 @@ void SegmentPicture::paintEvent(QPaintEvent*) {
     return QPointF(area.left() + (x - xMin_) / (xMax_ - xMin_) * area.width(),
                    area.bottom() - (y - yMin_) / (yMax_ - yMin_) * area.height());
   };
-  painter.setPen(QPen(Qt::black, 1));
+  // The screen drawing follows the palette (a dark theme gets a dark area); the one meant for
+  // paper stays black on white.
+  const QColor paper = print_ ? QColor(Qt::white) : palette().color(QPalette::Base);
+  const QColor ink = print_ ? QColor(Qt::black) : palette().color(QPalette::Text);
+  painter.fillRect(rect(), paper);
+  painter.setPen(QPen(ink, 1));
   painter.drawRect(area);
 
   if (!print_) {
-    painter.setPen(QPen(QColor(160, 160, 160), 1, Qt::DashLine));
+    const QColor axes = QColor::fromRgbF((paper.redF() + ink.redF()) / 2, (paper.greenF() + ink.greenF()) / 2,
+                                         (paper.blueF() + ink.blueF()) / 2);
+    painter.setPen(QPen(axes, 1, Qt::DashLine));
     if (xMin_ < 0 && xMax_ > 0) painter.drawLine(map(0, yMin_), map(0, yMax_));
     if (yMin_ < 0 && yMax_ > 0) painter.drawLine(map(xMin_, 0), map(xMax_, 0));
   }
-  painter.setPen(Qt::black);
+  painter.setPen(ink);
   auto label = [](double v) { return QString::fromStdString(PlainText(Round15(v))); };
   const QFontMetrics fm = painter.fontMetrics();
   painter.drawText(QPointF(area.left(), area.bottom() + fm.height()), label(xMin_));

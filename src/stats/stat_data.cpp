@@ -92,6 +92,11 @@ void StatData::select(int i, int j) {
   c_ = j;
 }
 
+void StatData::setCell(int i, int j, std::string_view text) {
+  if (i < 1 || i > n_ || j < 1 || j > d_) return;
+  cells_[j - 1][i - 1] = std::string(text);
+}
+
 void StatData::storeInto(RecordFunctionTable& table) const {
   for (int j = 1; j <= d_; ++j) {
     for (int i = 1; i <= n_; ++i) table.values[i][j - 1] = TableValue(cells_[j - 1][i - 1]);

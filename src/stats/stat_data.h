@@ -37,6 +37,8 @@ class StatData {
   void enterValue(std::string_view text);
   // A click on a data cell makes it current; headings are ignored.
   void select(int i, int j);
+  // Text typed straight into data cell (i, j); the current cell stays where it is.
+  void setCell(int i, int j, std::string_view text);
 
   // Memory: every cell read leniently (empty = 0) into the table, kind OrbitaData.
   void storeInto(RecordFunctionTable& table) const;

@@ -3,7 +3,6 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QVBoxLayout>
 #include <filesystem>
 #include <system_error>
@@ -32,14 +31,8 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
   Command1 = makeButton("Command1");
   Command2 = makeButton("Command2");
   Command3 = makeButton("Command3");
-  Grid1 = new QTableWidget;
+  Grid1 = new GridWidget;
   Grid1->setObjectName("Grid1");
-  Grid1->horizontalHeader()->hide();
-  Grid1->verticalHeader()->hide();
-  Grid1->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  Grid1->setSelectionMode(QAbstractItemView::SingleSelection);
-  Grid1->verticalHeader()->setDefaultSectionSize(22);
-  Grid1->horizontalHeader()->setDefaultSectionSize(72);
 
   auto* boxes = new QGridLayout;
   boxes->addWidget(Label1, 0, 0);
@@ -70,7 +63,7 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
   connect(Text2, &QLineEdit::returnPressed, this, [this] {
     const int i = data_->row(), j = data_->column();
     data_->enterValue(Text2->text().toStdString());
-    showCell(i, j);
+    Grid1->setCellText(i, j, QString::fromStdString(data_->cell(i, j)));
     Text2->clear();
     followCurrentCell();
   });
@@ -78,6 +71,9 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
     data_->select(i, j);
     followCurrentCell();
   });
+  connect(Grid1, &QTableWidget::currentCellChanged, this, [this](int i, int j) { data_->select(i, j); });
+  connect(Grid1, &GridWidget::cellEdited, this,
+          [this](int i, int j, const QString& text) { data_->setCell(i, j, text.toStdString()); });
   connect(Command1, &QPushButton::clicked, this, [this] { data_->storeInto(state_.Records); });
   connect(Command2, &QPushButton::clicked, this, [this] {
     std::error_code ec;
@@ -98,7 +94,7 @@ void StatDataWindow::retranslate() {
   Command1->setText(tr("Memory"));
   Command2->setText(tr("File"));
   Command3->setText(tr("Close"));
-  if (data_) showCell(0, 0);
+  if (data_) Grid1->setCellText(0, 0, QString::fromStdString(data_->cell(0, 0)));
 }
 
 void StatDataWindow::load() {
@@ -109,24 +105,12 @@ void StatDataWindow::load() {
   rebuildGrid();
 }
 
-void StatDataWindow::showCell(int i, int j) {
-  QTableWidgetItem* item = Grid1->item(i, j);
-  if (!item) {
-    item = new QTableWidgetItem;
-    if (i == 0 || j == 0) item->setBackground(palette().button());
-    Grid1->setItem(i, j, item);
-  }
-  item->setText(QString::fromStdString(data_->cell(i, j)));
-}
-
 void StatDataWindow::rebuildGrid() {
   const int rows = data_->count() + 1, columns = data_->dimension() + 1;
   Grid1->setUpdatesEnabled(false);
-  Grid1->clearContents();
-  Grid1->setRowCount(rows);
-  Grid1->setColumnCount(columns);
+  Grid1->reset(rows, columns);
   for (int i = 0; i < rows; ++i) {
-    for (int j = 0; j < columns; ++j) showCell(i, j);
+    for (int j = 0; j < columns; ++j) Grid1->setCellText(i, j, QString::fromStdString(data_->cell(i, j)));
   }
   Grid1->setUpdatesEnabled(true);
   followCurrentCell();

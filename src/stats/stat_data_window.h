@@ -4,9 +4,9 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTableWidget>
 #include <memory>
 
+#include "controls/grid_widget.h"
 #include "main/tool_window.h"
 #include "stats/stat_data.h"
 
@@ -25,12 +25,11 @@ class StatDataWindow : public ToolWindow {
 
   QLabel *Label1, *Label2, *Label3;
   QLineEdit *Text1, *Text2, *Text3;
-  QTableWidget* Grid1;
+  GridWidget* Grid1;
   QPushButton *Command1, *Command2, *Command3;
 
  private:
   void rebuildGrid();
-  void showCell(int i, int j);
   void followCurrentCell();
 
   std::unique_ptr<StatData> data_;

@@ -114,6 +114,10 @@ INSTANTIATE_TEST_SUITE_P(
         SolveCase{"NeedsARowExchangeWhichGoRefuses", {{"0", "1", "1"}, {"1", "0", "2"}}, LinearOutcome::Listed,
                   {" X1 =  2", " X2 =  1"}},
         SolveCase{"OneThird", {{"3", "1"}}, LinearOutcome::Listed, {" X1 =  .3333333"}},
+        SolveCase{"IntegerSolutionWithoutNoise", {{"4", "7", "2", "24"}, {"3", "6", "1", "18"}, {"2", "5", "3", "21"}},
+                  LinearOutcome::Listed, {" X1 =  1", " X2 =  2", " X3 =  3"}},
+        SolveCase{"ThirdsOfAnIntegerSystem", {{"1", "2", "3", "1"}, {"2", "5", "3", "1"}, {"1", "0", "8", "1"}},
+                  LinearOutcome::Listed, {" X1 = -15", " X2 =  5", " X3 =  2"}},
         SolveCase{"Singular", {{"1", "2", "3"}, {"2", "4", "6"}}, LinearOutcome::Refused, kSingular},
         SolveCase{"CellBeyondSingleIsAFault", {{"1E39", "1"}}, LinearOutcome::Fault, {}},
         SolveCase{"SolutionBeyondSingleIsAFault", {{"1E-30", "1E30"}}, LinearOutcome::Fault, {}},
@@ -166,6 +170,12 @@ INSTANTIATE_TEST_SUITE_P(
         MatrixCase{"ZeroMatrix", {{"0", "0"}, {"0", "0"}}, {" 0"}, {}},
         MatrixCase{"BelowThresholdWrittenAsZero", {{"1", "0"}, {"0", "1E7"}}, {" 1E+07"}, {{"1", "0"}, {"0", "0"}}},
         MatrixCase{"AtThresholdKept", {{"1E6"}}, {" 1000000"}, {{"1E-06"}}},
+        MatrixCase{"NinthsWithAnExactDeterminant", {{"4", "7", "2"}, {"3", "6", "1"}, {"2", "5", "3"}}, {" 9"},
+                   {{"1.444444", "-1.222222", "-0.5555556"},
+                    {"-0.7777778", "0.8888889", "0.2222222"},
+                    {"0.3333333", "-0.6666667", "0.3333333"}}},
+        MatrixCase{"IntegerInverse", {{"1", "2", "3"}, {"2", "5", "3"}, {"1", "0", "8"}}, {"-1"},
+                   {{"-40", "16", "9"}, {"13", "-5", "-3"}, {"5", "-2", "-1"}}},
         MatrixCase{"ThirdsInSingle", {{"3", "0"}, {"0", "-3"}}, {"-9"}, {{"0.3333333", "0"}, {"0", "-0.3333333"}}}),
     [](const auto& p) { return std::string(p.param.name); });
 

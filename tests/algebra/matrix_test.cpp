@@ -19,7 +19,7 @@ TEST(MatrixControlTest, OrderIsClampedAndClearsTheData) {
   m.setOrder(2);
   MatrixResult d = m.determinant();
   ASSERT_EQ(d.status, MatrixStatus::Ok);
-  EXPECT_EQ(d.values[0], 0.0f);
+  EXPECT_EQ(d.values[0], 0.0);
 }
 
 TEST(MatrixControlTest, SolvesWithRowExchange) {
@@ -30,9 +30,9 @@ TEST(MatrixControlTest, SolvesWithRowExchange) {
   MatrixResult x = m.solve();
   ASSERT_EQ(x.status, MatrixStatus::Ok);
   ASSERT_EQ(x.values.size(), 3u);
-  EXPECT_FLOAT_EQ(x.values[0], 1);
-  EXPECT_FLOAT_EQ(x.values[1], 2);
-  EXPECT_FLOAT_EQ(x.values[2], 3);
+  EXPECT_DOUBLE_EQ(x.values[0], 1);
+  EXPECT_DOUBLE_EQ(x.values[1], 2);
+  EXPECT_DOUBLE_EQ(x.values[2], 3);
 }
 
 TEST(MatrixControlTest, MissingElementsAreZero) {
@@ -44,16 +44,16 @@ TEST(MatrixControlTest, MissingElementsAreZero) {
   m.setVector({2});
   MatrixResult x = m.solve();
   ASSERT_EQ(x.status, MatrixStatus::Ok);
-  EXPECT_EQ(x.values, (std::vector<float>{1, 0}));
+  EXPECT_EQ(x.values, (std::vector<double>{1, 0}));
 }
 
 TEST(MatrixControlTest, BadlyScaledButRegularIsNotSingular) {
   MatrixControl m;
   m.setOrder(2);
-  m.setMatrix({1, 0, 0, 1e-8f});
+  m.setMatrix({1, 0, 0, 1e-8});
   MatrixResult inv = m.inverse();
   ASSERT_EQ(inv.status, MatrixStatus::Ok);
-  EXPECT_FLOAT_EQ(inv.values[3], 1e8f);
+  EXPECT_DOUBLE_EQ(inv.values[3], 1e8);
 }
 
 TEST(MatrixControlTest, SingularAndOverflow) {
@@ -62,12 +62,12 @@ TEST(MatrixControlTest, SingularAndOverflow) {
   m.setMatrix({1, 2, 3, 4, 5, 6, 7, 8, 9});
   EXPECT_EQ(m.inverse().status, MatrixStatus::Singular);
   EXPECT_EQ(m.solve().status, MatrixStatus::Singular);
-  EXPECT_EQ(m.determinant().values, std::vector<float>{0.0f});
+  EXPECT_EQ(m.determinant().values, std::vector<double>{0.0});
 
   m.setOrder(2);
-  m.setMatrix({1e30f, 0, 0, 1e30f});
+  m.setMatrix({1e200, 0, 0, 1e200});
   EXPECT_EQ(m.determinant().status, MatrixStatus::Overflow);
-  m.setMatrix({1e-40f, 0, 0, 1});  // a subnormal pivot: its inverse leaves the range
+  m.setMatrix({1e-320, 0, 0, 1});  // a subnormal pivot: its inverse leaves the range
   EXPECT_EQ(m.inverse().status, MatrixStatus::Overflow);
   m.setMatrix({INFINITY, 0, 0, 1});
   EXPECT_EQ(m.determinant().status, MatrixStatus::Overflow);
@@ -78,20 +78,54 @@ TEST(MatrixControlTest, SingularAndOverflow) {
 
 TEST(MatrixControlTest, HilbertOfOrderFourAgainstItsKnownInverse) {
   // The inverse of the 4x4 Hilbert matrix has integer entries.
-  const float known[16] = {16, -120, 240, -140, -120, 1200, -2700, 1680,
+  const double known[16] = {16, -120, 240, -140, -120, 1200, -2700, 1680,
                            240, -2700, 6480, -4200, -140, 1680, -4200, 2800};
-  std::vector<float> h;
+  std::vector<double> h;
   for (int i = 0; i < 4; ++i)
-    for (int j = 0; j < 4; ++j) h.push_back(1.0f / static_cast<float>(i + j + 1));
+    for (int j = 0; j < 4; ++j) h.push_back(1.0 / (i + j + 1));
   MatrixControl m;
   m.setOrder(4);
   m.setMatrix(h);
   MatrixResult inv = m.inverse();
   ASSERT_EQ(inv.status, MatrixStatus::Ok);
-  for (int k = 0; k < 16; ++k) EXPECT_NEAR(inv.values[k], known[k], std::fabs(known[k]) * 2e-2) << k;
+  for (int k = 0; k < 16; ++k) EXPECT_NEAR(inv.values[k], known[k], std::fabs(known[k]) * 1e-9) << k;
   MatrixResult d = m.determinant();
-  EXPECT_NEAR(d.values[0], 1.0f / 6048000.0f, 1e-8);
+  EXPECT_NEAR(d.values[0], 1.0 / 6048000.0, 1e-18);
 }
+
+// Integer matrices whose results are integers come out exact: no single-precision noise.
+struct ExactCase {
+  const char* name;
+  int n;
+  std::vector<double> matrix;
+  double determinant;
+  std::vector<double> inverse;
+};
+
+class ExactIntegerTest : public ::testing::TestWithParam<ExactCase> {};
+
+TEST_P(ExactIntegerTest, DeterminantAndInverse) {
+  const ExactCase& c = GetParam();
+  MatrixControl m;
+  m.setOrder(c.n);
+  m.setMatrix(c.matrix);
+  MatrixResult d = m.determinant();
+  ASSERT_EQ(d.status, MatrixStatus::Ok);
+  EXPECT_NEAR(d.values[0], c.determinant, 1e-12);
+  MatrixResult inv = m.inverse();
+  ASSERT_EQ(inv.status, MatrixStatus::Ok);
+  ASSERT_EQ(inv.values.size(), c.inverse.size());
+  for (size_t k = 0; k < c.inverse.size(); ++k) EXPECT_NEAR(inv.values[k], c.inverse[k], 1e-12) << k;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Matrices, ExactIntegerTest,
+    ::testing::Values(ExactCase{"Three", 3, {4, 7, 2, 3, 6, 1, 2, 5, 3}, 9,
+                                {13.0 / 9, -11.0 / 9, -5.0 / 9, -7.0 / 9, 8.0 / 9, 2.0 / 9, 3.0 / 9, -6.0 / 9, 3.0 / 9}},
+                      ExactCase{"UnitLowerTimesUpper", 3, {1, 2, 3, 2, 5, 3, 1, 0, 8}, -1,
+                                {-40, 16, 9, 13, -5, -3, 5, -2, -1}},
+                      ExactCase{"Two", 2, {4, 7, 2, 6}, 10, {0.6, -0.7, -0.2, 0.4}}),
+    [](const auto& p) { return std::string(p.param.name); });
 
 }  // namespace
 }  // namespace merida

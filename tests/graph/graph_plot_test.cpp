@@ -68,6 +68,7 @@ TEST_F(GraphPlotTest, NormalPlotSamplesEveryPointOfTheRange) {
     ASSERT_EQ(r.end, PlotEnd::kCompleted);
     EXPECT_TRUE(host.errors.empty());
     EXPECT_EQ(r.chartType, ChartType::kLine);
+    EXPECT_FALSE(r.equalScale);
     EXPECT_EQ(r.pointCount, c.n + 1);
     ASSERT_EQ(r.points.size(), static_cast<size_t>(c.n + 1));
     const double h = (c.b - c.a) / c.n;
@@ -215,6 +216,7 @@ TEST_F(GraphPlotTest, PolarConstantDrawsTheUnitCircle) {
   EXPECT_NEAR(r.points[9].x, 0, 1e-12);  // theta = pi/2
   EXPECT_NEAR(r.points[9].y, 1, 1e-12);
   EXPECT_EQ(state.GraphMode, 2);
+  EXPECT_TRUE(r.equalScale);
 }
 
 TEST_F(GraphPlotTest, PolarSpiralUsesRadiusTimesCosAndSin) {
@@ -231,6 +233,7 @@ TEST_F(GraphPlotTest, ParametricPlotTakesXAndYFromTheTwoFormulas) {
   PlotResult r = PlotPara(engine, state, "  cos(t)", "sin(2*t)", GraphBoxes{"0", "2*PI", "40"});
   ASSERT_EQ(r.end, PlotEnd::kCompleted);
   EXPECT_TRUE(r.thinLines);
+  EXPECT_TRUE(r.equalScale);
   ASSERT_EQ(r.points.size(), 41u);
   const double h = 2 * 3.14159265358979 / 40;
   for (int i = 0; i < 40; ++i) {
@@ -285,6 +288,7 @@ TEST_F(GraphPlotTest, LogReplotsTheCurrentMode) {
   EXPECT_EQ(log.points[1].x, 1);
   EXPECT_EQ(log.points[1].y, 2);
   EXPECT_FALSE(log.thinLines);
+  EXPECT_FALSE(log.equalScale);  // a log axis has no scale to share
 
   state.GraphMode = 0;
   log = PlotLog(engine, state, "x", "", "", GraphBoxes{"0", "1", "1"});

@@ -116,6 +116,24 @@ TEST(StatDataTest, ClickingACellMakesItCurrent) {
   }
 }
 
+TEST(StatDataTest, TypingIntoACellLeavesTheCurrentCellAndIgnoresHeadings) {
+  RecordFunctionTable t;
+  StatData d(t, false);
+  d.enterDimension("2");
+  d.select(2, 1);
+  d.setCell(4, 2, "7.5");
+  EXPECT_EQ(d.cell(4, 2), "7.5");
+  EXPECT_EQ(d.row(), 2);
+  EXPECT_EQ(d.column(), 1);
+  for (auto [i, j] : {std::pair{0, 1}, std::pair{1, 0}, std::pair{6, 1}, std::pair{1, 3}}) {
+    d.setCell(i, j, "junk");
+    EXPECT_NE(d.cell(i, j), "junk") << i << "," << j;
+  }
+  d.enterValue("9");  // Enter still fills the current cell
+  EXPECT_EQ(d.cell(2, 1), "9");
+  EXPECT_EQ(d.orbitaText(), "ORBITA\r\n2\r\n5\r\n\r\n9\r\n\r\n\r\n\r\n\r\n\r\n\r\n7.5\r\n\r\n");
+}
+
 TEST(StatDataTest, ShrinkingKeepsTheCellsThatStillFitAndTheCurrentCellInside) {
   RecordFunctionTable t;
   StatData d(t, false);

@@ -198,6 +198,58 @@ TEST_F(AlgebraWindowTest, InverseWritesBackAndDeterminantLists) {
   EXPECT_EQ(ListLines(w->List1), Lines{" .1"});
 }
 
+// Integer problems with exact answers show them without single-precision noise.
+struct ExactCase {
+  const char* name;
+  std::vector<const char*> cells;  // row by row, as typed into the entry box
+  Lines determinant;
+  std::vector<Lines> inverse;
+};
+
+class ExactMatrixTest : public AlgebraWindowTest, public ::testing::WithParamInterface<ExactCase> {};
+
+TEST_P(ExactMatrixTest, DeterminantAndInverseShowNoNoise) {
+  const ExactCase& c = GetParam();
+  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kMatrixMode);
+  const int n = static_cast<int>(c.inverse.size());
+  SetDimension(w, std::to_string(n).c_str());
+  Enter(w, c.cells);
+  QTest::mouseClick(w->Command3, Qt::LeftButton);
+  EXPECT_EQ(ListLines(w->List1), c.determinant);
+  QTest::mouseClick(w->Command4, Qt::LeftButton);
+  for (int i = 1; i <= n; ++i) {
+    Lines row;
+    for (int j = 1; j <= n; ++j) row.push_back(Cell(w, i, j));
+    EXPECT_EQ(row, c.inverse[static_cast<size_t>(i - 1)]) << "row " << i;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Integers, ExactMatrixTest,
+    ::testing::Values(ExactCase{"Ninths",
+                                {"4", "7", "2", "3", "6", "1", "2", "5", "3"},
+                                {" 9"},
+                                {{"1.444444", "-1.222222", "-0.5555556"},
+                                 {"-0.7777778", "0.8888889", "0.2222222"},
+                                 {"0.3333333", "-0.6666667", "0.3333333"}}},
+                      ExactCase{"IntegerInverse",
+                                {"1", "2", "3", "2", "5", "3", "1", "0", "8"},
+                                {"-1"},
+                                {{"-40", "16", "9"}, {"13", "-5", "-3"}, {"5", "-2", "-1"}}},
+                      ExactCase{"Pascal",
+                                {"1", "1", "1", "1", "1", "2", "3", "4", "1", "3", "6", "10", "1", "4", "10", "20"},
+                                {" 1"},
+                                {{"4", "-6", "4", "-1"}, {"-6", "14", "-11", "3"}, {"4", "-11", "10", "-3"},
+                                 {"-1", "3", "-3", "1"}}}),
+    [](const auto& p) { return std::string(p.param.name); });
+
+TEST_F(AlgebraWindowTest, SimultSolvesAnIntegerSystemWithoutNoise) {
+  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
+  Enter(w, {"4", "7", "2", "24", "3", "6", "1", "18", "2", "5", "3", "21"});
+  QTest::mouseClick(w->Command5, Qt::LeftButton);
+  EXPECT_EQ(ListLines(w->List1), (Lines{" X1 =  1", " X2 =  2", " X3 =  3"}));
+}
+
 TEST_F(AlgebraWindowTest, ClickingACellMakesItCurrent) {
   SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
   QRect cell = w->Grid1->visualItemRect(w->Grid1->item(2, 3));

@@ -60,6 +60,41 @@
     </message>
 </context>
 <context>
+    <name>merida::DelayWindow</name>
+    <message>
+        <source>Delay Calculate</source>
+        <translation>遅延関数</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>ﾃﾞｰﾀ</translation>
+    </message>
+    <message>
+        <source>Step</source>
+        <translation>ｽﾃｯﾌﾟ</translation>
+    </message>
+    <message>
+        <source>Init Value</source>
+        <translation>初期値</translation>
+    </message>
+    <message>
+        <source>Init</source>
+        <translation>初期値</translation>
+    </message>
+</context>
+<context>
     <name>merida::DoubleIntegrationWindow</name>
     <message>
         <source>Double Integration</source>

@@ -1,4 +1,4 @@
-// merida-cli integ and dinteg, run as a user runs them: answers, rewritten boxes, errors, usage.
+// merida-cli integ, dinteg and delay, run as a user runs them: answers, rewritten boxes, errors, usage.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -65,6 +65,17 @@ INSTANTIATE_TEST_SUITE_P(
         CalculusCliCase{"DoubleCountOfOne",
                         {"dinteg", "--min", "0", "--max", "1", "--num", "1", "--min2", "0", "--max2", "1", "--num2", "2", "x*y"},
                         1, "", ""},
+        CalculusCliCase{"DelayFibonacci", {"delay", "--steps", "6", "--init", "1,1", "timestep(1)+timestep(2)"}, 0,
+                        "1 1\n2 1\n3 2\n4 3\n5 5\n6 8\n7 13\n", ""},
+        CalculusCliCase{"DelayNoTimestep", {"delay", "--steps", "6", "--init", "1", "2*3"}, 1, "",
+                        "error 22: 文法エラーです\n"},
+        CalculusCliCase{"DelayVariable", {"delay", "--steps", "6", "--init", "1", "x*timestep(1)"}, 1, "",
+                        "error 34: 遅延演算で変数は使えません\n"},
+        CalculusCliCase{"DelayMissingInitialValue", {"delay", "--steps", "6", "--init", "1", "timestep(2)"}, 1, "", ""},
+        CalculusCliCase{"DelayOverflow", {"delay", "--steps", "60", "--init", "10", "timestep(1)^3"}, 3, "",
+                        "fault: Overflow\n"},
+        CalculusCliCase{"DelayUsage", {"delay", "--init", "1", "timestep(1)"}, 2, "",
+                        "usage: merida-cli delay --steps N --init V1,V2,...,VK FORMULA\n"},
         CalculusCliCase{"DoubleMissingRange", {"dinteg", "--min", "0", "--max", "1", "--num", "2", "x*y"}, 2, "",
                         kDintegUsage}),
     [](const ::testing::TestParamInfo<CalculusCliCase>& p) { return std::string(p.param.name); });

@@ -1,0 +1,111 @@
+// The window reads the grid's column and the Step box, runs the recurrence and draws it once.
+#include "calculus/delay_window.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QVBoxLayout>
+
+#include "stats/stat_data_window.h"
+
+namespace merida {
+
+DelayWindow::DelayWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
+    : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
+  setObjectName("DelayWindow");
+  Grid1 = new GridWidget;
+  Grid1->setObjectName("Grid1");
+  Grid1->reset(kMaxDelay + 1, 2);
+  for (int row = 1; row <= kMaxDelay; ++row) Grid1->setCellText(row, 0, QString::number(row));
+  Grid1->setMinimumWidth(150);
+  Frame1 = makeBoxFrame("Frame1", Text1, "Text1");
+  Frame2 = makeBoxFrame("Frame2", Text2, "Text2");
+  Command1 = makeButton("Command1");
+  Command2 = makeButton("Command2");
+  Command3 = makeButton("Command3");
+  Command4 = makeButton("Command4");
+  Graph1 = new ChartWidget;
+  Graph1->setObjectName("Graph1");
+  Graph1->setMinimumSize(420, 320);
+
+  auto* side = new QVBoxLayout;
+  side->addWidget(Grid1, 1);
+  side->addWidget(Frame1);
+  side->addWidget(Frame2);
+  auto* buttons = new QGridLayout;
+  QPushButton* order[] = {Command1, Command2, Command4, Command3};
+  for (int k = 0; k < 4; ++k) buttons->addWidget(order[k], k / 2, k % 2);
+  side->addLayout(buttons);
+  auto* layout = new QHBoxLayout(this);
+  layout->addWidget(Graph1, 1);
+  layout->addLayout(side);
+  resize(720, 460);
+
+  connect(Command1, &QPushButton::clicked, this, &DelayWindow::go);
+  connect(Command2, &QPushButton::clicked, this, &QWidget::close);
+  connect(Command3, &QPushButton::clicked, this, [this] { printWindow(); });
+  connect(Command4, &QPushButton::clicked, this, [this] {
+    if (!data_) data_ = new StatDataWindow(engine_, state_, this);
+    data_->load();
+    data_->show();
+    data_->raise();
+  });
+  pressOnEnter({Text1}, Command1);
+  // Enter in Init Value stores it in the selected cell and moves down, for typing a column.
+  connect(Text2, &QLineEdit::returnPressed, this, &DelayWindow::storeInitValue);
+  Grid1->setCurrentCell(1, 1);
+
+  retranslate();
+  Graph1->setGraphType(ChartWidget::Type::kLine);
+  Graph1->setGridBothWays(true);
+  Graph1->setDataSets(1);
+  Graph1->draw();
+}
+
+void DelayWindow::retranslate() {
+  setWindowTitle(tr("Delay Calculate"));
+  Command1->setText(tr("Go"));
+  Command2->setText(tr("Close"));
+  Command3->setText(tr("Print"));
+  Command4->setText(tr("Data"));
+  Frame1->setTitle(tr("Step"));
+  Frame2->setTitle(tr("Init Value"));
+  Grid1->setCellText(0, 1, tr("Init"));
+  Grid1->fitColumns();
+}
+
+void DelayWindow::storeInitValue() {
+  int row = Grid1->currentRow(), column = Grid1->currentColumn();
+  if (row < 1 || column < 1) return;
+  Grid1->setCellText(row, column, Text2->text());
+  Text2->clear();
+  if (row < kMaxDelay) Grid1->setCurrentCell(row + 1, column);
+}
+
+void DelayWindow::go() {
+  if (running_) return;
+  running_ = true;
+  std::vector<std::string> cells;
+  for (int row = 1; row <= kMaxDelay; ++row) cells.push_back(Grid1->cellText(row, 1).toStdString());
+  DelayResult r = RunDelay(engine_, state_, formula_ ? formula_().toStdString() : std::string(),
+                           Text1->text().toStdString(), cells);
+  running_ = false;
+  if (r.stepBox) Text1->setText(QString::fromStdString(*r.stepBox));
+  // A run that read its initial values shows what it computed, up to an error or a stop.
+  if (r.largestDelay > 0 && !r.points.empty()) {
+    QList<QPointF> points;
+    points.reserve(static_cast<qsizetype>(r.points.size()));
+    for (const ChartPoint& p : r.points) points.append(QPointF(p.x, p.y));
+    Graph1->setPoints(1, std::move(points));
+  }
+  Graph1->draw();
+}
+
+void DelayWindow::closeEvent(QCloseEvent* event) {
+  engine_.BindToX = -1;
+  if (data_) data_->close();
+  ToolWindow::closeEvent(event);
+}
+
+}  // namespace merida

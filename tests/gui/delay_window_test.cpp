@@ -1,0 +1,69 @@
+// The Delay Calculate window through its controls: grid, Init Value, Step, Go, chart, record table.
+#include "calculus/delay_window.h"
+#include "gui_fixture.h"
+
+namespace merida::test {
+namespace {
+
+class DelayWindowTest : public GuiTest {
+ protected:
+  DelayWindow* open(const QString& formula) {
+    main().setFormulaText(formula);
+    press(14);
+    return qobject_cast<DelayWindow*>(window(QStringLiteral("DelayWindow")));
+  }
+  static std::vector<double> chartValues(DelayWindow* w) {
+    std::vector<double> out;
+    for (const QPointF& p : w->Graph1->points(1)) out.push_back(p.y());
+    return out;
+  }
+};
+
+TEST_F(DelayWindowTest, InitValueBoxFillsTheColumnAndGoPlotsAndRecords) {
+  start();
+  DelayWindow* w = open("timestep(1)+timestep(2)");
+  ASSERT_NE(w, nullptr);
+  EXPECT_EQ(w->Grid1->cellText(0, 1), "Init");
+  for (const char* v : {"1", "1"}) {
+    w->Text2->setText(v);
+    QTest::keyClick(w->Text2, Qt::Key_Return);
+  }
+  EXPECT_EQ(w->Grid1->cellText(1, 1), "1");
+  EXPECT_EQ(w->Grid1->cellText(2, 1), "1");
+  EXPECT_EQ(w->Grid1->currentRow(), 3);
+  w->Text1->setText("7");
+  QTest::keyClick(w->Text1, Qt::Key_Return);
+  EXPECT_EQ(chartValues(w), (std::vector<double>{1, 1, 2, 3, 5, 8, 13, 21}));
+  EXPECT_EQ(state().Records.count, 8);
+  EXPECT_EQ(state().Records.values[8][1], 21.0f);
+  EXPECT_EQ(state().Records.kind, ComputedData);
+}
+
+TEST_F(DelayWindowTest, ErrorsAndTheCapShowInTheWindows) {
+  start();
+  DelayWindow* w = open("x*timestep(1)");
+  ASSERT_NE(w, nullptr);
+  w->Grid1->setCellText(1, 1, "1");
+  w->Text1->setText("10000");
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  EXPECT_EQ(errorText(), "遅延演算で変数は使えません");
+  acknowledgeError();
+  main().setFormulaText("timestep(1)*1");
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  EXPECT_EQ(w->Text1->text(), "6000");
+  EXPECT_EQ(w->Graph1->points(1).size(), 6000);
+}
+
+TEST_F(DelayWindowTest, JapaneseCaptions) {
+  writeFile("MERIDA.DEF", "Japanese\r\n");
+  start();
+  DelayWindow* w = open("timestep(1)");
+  ASSERT_NE(w, nullptr);
+  EXPECT_EQ(w->windowTitle(), "遅延関数");
+  EXPECT_EQ(w->Frame1->title(), "ｽﾃｯﾌﾟ");
+  EXPECT_EQ(w->Frame2->title(), "初期値");
+  EXPECT_EQ(w->Command4->text(), "ﾃﾞｰﾀ");
+}
+
+}  // namespace
+}  // namespace merida::test

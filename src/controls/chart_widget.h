@@ -27,6 +27,11 @@ class ChartWidget : public QChartView {
   void setDataSets(int count);  // 1 or 2
   int dataSets() const { return sets_; }
   void setThinLines(bool thin) { thin_ = thin; }
+  // The line style of a data set (solid by default): a second curve stays told apart in print.
+  void setLineStyle(int set, Qt::PenStyle style) {
+    if (set >= 1 && set <= 2) styles_[set - 1] = style;
+  }
+  Qt::PenStyle lineStyle(int set) const { return set >= 1 && set <= 2 ? styles_[set - 1] : Qt::SolidLine; }
 
   // The stored points: a count per set, values from index 1 (the first point).
   void setPointCount(int count);
@@ -63,6 +68,7 @@ class ChartWidget : public QChartView {
   bool thin_ = false;
   int sets_ = 1;
   std::array<QList<QPointF>, 2> points_;
+  std::array<Qt::PenStyle, 2> styles_{Qt::SolidLine, Qt::SolidLine};
   std::array<QList<QLineSeries*>, 2> drawn_;
   QValueAxis* xAxis_;
   QValueAxis* yLinear_;

@@ -133,23 +133,23 @@ TEST_F(GuiTest, EndClosesTheMainWindow) {
 
 TEST_F(GuiTest, ButtonsWithoutAWindowAreDisabledWithATooltip) {
   start();
-  for (int n : {1, 2, 3, 4, 5, 6, 7, 8, 12}) {
+  for (int n : {1, 2, 3, 4, 5, 6, 7, 8, 9, 12}) {
     auto* button = child<QPushButton>(&main(), ("Command" + std::to_string(n)).c_str());
     EXPECT_TRUE(button->isEnabled()) << n;
     EXPECT_TRUE(button->toolTip().isEmpty()) << n;
   }
-  auto* diff = child<QPushButton>(&main(), "Command9");
-  EXPECT_FALSE(diff->isEnabled());
-  EXPECT_EQ(diff->toolTip(), "This window is not available yet.");
+  auto* delay = child<QPushButton>(&main(), "Command14");
+  EXPECT_FALSE(delay->isEnabled());
+  EXPECT_EQ(delay->toolTip(), "This window is not available yet.");
 
   int opened = 0;
-  main().setToolOpener(9, [&opened] { ++opened; });
-  EXPECT_TRUE(diff->isEnabled());
-  EXPECT_TRUE(diff->toolTip().isEmpty());
-  press(9);
+  main().setToolOpener(14, [&opened] { ++opened; });
+  EXPECT_TRUE(delay->isEnabled());
+  EXPECT_TRUE(delay->toolTip().isEmpty());
+  press(14);
   EXPECT_EQ(opened, 1);
-  main().setToolOpener(9, {});
-  EXPECT_FALSE(diff->isEnabled());
+  main().setToolOpener(14, {});
+  EXPECT_FALSE(delay->isEnabled());
 }
 
 TEST_F(GuiTest, RealInputBoxAsksWithTheVariableAndDefaultZero) {

@@ -18,13 +18,14 @@ std::atomic<long> gAllocations{0};
 }  // namespace
 
 // Counts every allocation of the process, so the run can show what it allocates per step.
-void* operator new(std::size_t size) {
+// Out of line, so that the compiler pairs each delete with this new and not a built-in one.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   gAllocations.fetch_add(1, std::memory_order_relaxed);
   if (void* p = std::malloc(size ? size : 1)) return p;
   throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
@@ -36,16 +37,8 @@ constexpr const char* kFormula = "0-0.5*diff-4*y+sin(x)";
 double Native(double x, double y, double p) { return 0 - 0.5 * p - 4 * y + std::sin(x); }
 
 constexpr int kSteps = kMaxDiffPoints - 1;  // 0..60 by 0.01 takes the cap: 5999 steps, 6000 points
-DiffBoxes Boxes() {
-  DiffBoxes b;
-  b.var = "y";
-  b.width = "0.01";
-  b.min = "0";
-  b.max = "60";
-  b.init = "1";
-  b.slope = "0";
-  return b;
-}
+// Diff Var, Width, Init Val, Min, Max, Init Val(1).
+DiffBoxes Boxes() { return DiffBoxes{"y", "0.01", "1", "0", "60", "0", "", ""}; }
 
 // The window's loop by hand: the same stages, the dependent values read back in 15 digits as
 // their number cells give them, the same chart points and record rows.

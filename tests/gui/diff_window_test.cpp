@@ -191,5 +191,40 @@ TEST_F(DiffWindowTest, CloseStopsARunningComputation) {
   EXPECT_EQ(engine().BindToX, 1);
 }
 
+struct Caption {
+  const char* control;
+  const char* english;
+  const char* japanese;
+};
+
+TEST_F(DiffWindowTest, CaptionsInBothLanguages) {
+  const Caption captions[] = {
+      {"", "Differential & Differential Equation", "微分・微分方程式"},
+      {"Command1", "1 Grade", "1階"}, {"Command2", "2 Grade", "2階"}, {"Command3", "Close", "中止"},
+      {"Command4", "Simult", "連立"}, {"Command5", "Data", "ﾃﾞｰﾀ"}, {"Command6", "Print", "印刷"},
+      {"Frame1", "Diff Var", "微分変数"}, {"Frame2", "Width", "刻み幅"}, {"Frame3", "Init Val", "初期値"},
+      {"Frame4", "Min", "始点"}, {"Frame5", "Max", "終点"}, {"Frame6", "Init Val(1)", "初期値(1階)"},
+      {"Frame7", "Second Function", "第2関数"}, {"Frame8", "Diff Var2", "微分変数2"},
+      {"Option1", "Diff", "微分"}, {"Option2", "Diff Equation", "微分方程式"},
+      {"Check1", "RungeKutta", "ﾙﾝｹﾞｸｯﾀ法"}, {"Check2", "Plane", "相平面"}};
+  for (bool japanese : {false, true}) {
+    writeFile("MERIDA.DEF", japanese ? "Japanese\r\n" : "English\r\n");
+    start();
+    DiffWindow* w = open("x");
+    ASSERT_NE(w, nullptr);
+    for (const Caption& c : captions) {
+      QString shown;
+      if (!*c.control) {
+        shown = w->windowTitle();
+      } else if (auto* frame = w->findChild<QGroupBox*>(c.control)) {
+        shown = frame->title();
+      } else if (auto* button = w->findChild<QAbstractButton*>(c.control)) {
+        shown = button->text();
+      }
+      EXPECT_EQ(shown, QString::fromUtf8(japanese ? c.japanese : c.english)) << c.control;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace merida::test

@@ -133,6 +133,28 @@ void BM_EvaluateWithTwoCells(benchmark::State& st) {
 }
 BENCHMARK(BM_EvaluateWithTwoCells);
 
+// The same formula with every name read from x, as tool code binds free variables: what a
+// stage would cost if the evaluator took y and y' as values without building its code again.
+void BM_EvaluateWithoutRebuild(benchmark::State& st) {
+  SilentHost host;
+  Engine engine(host);
+  engine.ResetEngine();
+  FormulaSampler sampler(engine);
+  engine.BindToX = 1;
+  if (sampler.compile(kFormula, false) != PointStatus::kOk) {
+    st.SkipWithError("compile failed");
+    return;
+  }
+  double x = 0.1;
+  for (auto _ : st) {
+    double out = 0;
+    sampler.at(x, out);
+    benchmark::DoNotOptimize(out);
+    x += 1e-4;
+  }
+}
+BENCHMARK(BM_EvaluateWithoutRebuild);
+
 }  // namespace
 
 BENCHMARK_MAIN();

@@ -126,27 +126,5 @@ TEST_F(DiffCliRunTest, RungeKuttaReachesEAndRunsOneStepPast) {
   EXPECT_EQ(rows[11][0], 1.1);
 }
 
-TEST_F(DiffCliRunTest, SimultPrintsBothCurvesBesideX) {
-  test::CliResult r = test::RunCli({"ode", "--simult", "--var", "y", "--var2", "z", "--second", "0-y", "--width",
-                                    "0.05", "--min", "0", "--max", "PI", "--init", "0", "--slope", "1", "z"});
-  ASSERT_EQ(r.status, 0) << r.err;
-  auto rows = Rows(r.out);
-  ASSERT_EQ(rows.size(), 64u);  // 62 whole steps in PI, one more, and the start
-  for (const auto& row : rows) {
-    ASSERT_EQ(row.size(), 3u);
-    EXPECT_NEAR(row[1], std::sin(row[0]), 1e-6);
-    EXPECT_NEAR(row[2], std::cos(row[0]), 1e-6);
-  }
-}
-
-TEST_F(DiffCliRunTest, LongRangesTakeTheCap) {
-  test::CliResult r = test::RunCli({"diff", "--width", "1E-9", "--min", "0", "--max", "1", "x"});
-  ASSERT_EQ(r.status, 0);
-  EXPECT_EQ(Rows(r.out).size(), 6000u);
-  r = test::RunCli({"ode", "--var", "y", "--width", "1E-9", "--min", "0", "--max", "1", "--init", "0", "1"});
-  ASSERT_EQ(r.status, 0);
-  EXPECT_EQ(Rows(r.out).size(), 6000u);
-}
-
 }  // namespace
 }  // namespace merida

@@ -37,6 +37,7 @@ bench:
 	./build/bench/bench/graph_bench
 	./build/bench/bench/integration_bench
 	./build/bench/bench/graph_chart_bench
+	./build/bench/bench/diff_bench
 	bench/primes_vs_primesieve.sh build/bench/merida-cli
 
 clean:

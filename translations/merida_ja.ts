@@ -584,4 +584,83 @@
         <translation>中止</translation>
     </message>
 </context>
+<context>
+    <name>merida::DiffWindow</name>
+    <message>
+        <source>Differential &amp; Differential Equation</source>
+        <translation>微分・微分方程式</translation>
+    </message>
+    <message>
+        <source>1 Grade</source>
+        <translation>1階</translation>
+    </message>
+    <message>
+        <source>2 Grade</source>
+        <translation>2階</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Simult</source>
+        <translation>連立</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>ﾃﾞｰﾀ</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Diff Var</source>
+        <translation>微分変数</translation>
+    </message>
+    <message>
+        <source>Width</source>
+        <translation>刻み幅</translation>
+    </message>
+    <message>
+        <source>Init Val</source>
+        <translation>初期値</translation>
+    </message>
+    <message>
+        <source>Min</source>
+        <translation>始点</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>終点</translation>
+    </message>
+    <message>
+        <source>Init Val(1)</source>
+        <translation>初期値(1階)</translation>
+    </message>
+    <message>
+        <source>Second Function</source>
+        <translation>第2関数</translation>
+    </message>
+    <message>
+        <source>Diff Var2</source>
+        <translation>微分変数2</translation>
+    </message>
+    <message>
+        <source>Diff</source>
+        <translation>微分</translation>
+    </message>
+    <message>
+        <source>Diff Equation</source>
+        <translation>微分方程式</translation>
+    </message>
+    <message>
+        <source>RungeKutta</source>
+        <translation>ﾙﾝｹﾞｸｯﾀ法</translation>
+    </message>
+    <message>
+        <source>Plane</source>
+        <translation>相平面</translation>
+    </message>
+</context>
 </TS>

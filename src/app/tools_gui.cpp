@@ -7,6 +7,7 @@
 #include "algebra/prime_window.h"
 #include "algebra/simult_window.h"
 #include "calculus/delay_window.h"
+#include "calculus/diff_window.h"
 #include "calculus/integration_window.h"
 #include "graph/graph_tools_gui.h"
 #include "graph/graph_window.h"
@@ -64,6 +65,7 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   MainFormula mainFormula{[m] { return m->formulaText(); }, [m](const QString& a) { m->setAnswerText(a); }};
   main.setToolOpener(7, Opener<IntegrationWindow>([=] { return new IntegrationWindow(*e, *s, mainFormula, m); }));
   main.setToolOpener(14, Opener<DelayWindow>([=] { return new DelayWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
+  main.setToolOpener(9, Opener<DiffWindow>([=] { return new DiffWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
 }
 

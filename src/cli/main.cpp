@@ -21,6 +21,8 @@ int RunGcm(Context&, const std::vector<std::string>&);
 int RunInteg(Context&, const std::vector<std::string>&);
 int RunDinteg(Context&, const std::vector<std::string>&);
 int RunDelay(Context&, const std::vector<std::string>&);
+int RunDiff(Context&, const std::vector<std::string>&);
+int RunOde(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
@@ -38,6 +40,12 @@ constexpr CommandEntry kCommands[] = {
     {"integ", "integ --min A --max B --num N FORMULA", RunInteg},
     {"delay", "delay --steps N --init V1,V2,...,VK FORMULA", RunDelay},
     {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
+    {"diff", "diff [--order 2] --width H --min A --max B FORMULA", RunDiff},
+    {"ode",
+     "ode [--order 2] [--rk] [--plane] --var Y --width H --min A --max B --init Y0 [--slope P0] FORMULA\n"
+     "  merida-cli ode --simult [--plane] --var Y --var2 Z --second G --width H --min A --max B --init Y0 "
+     "--slope Z0 FORMULA",
+     RunOde},
 };
 }  // namespace merida::cli
 

@@ -236,6 +236,7 @@ void ChartWidget::draw() {
   for (int s = 0; s < sets_; ++s) {
     QPen pen(kSetColors[s]);
     pen.setWidthF(thin_ ? 1.0 : 2.0);
+    pen.setStyle(styles_[s]);
     for (QList<QPointF>& run : runs[s]) {
       auto* series = new QLineSeries;
       series->replace(run);

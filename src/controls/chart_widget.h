@@ -31,6 +31,11 @@ class ChartWidget : public QChartView {
   // kept as the chart is resized. Linear type only.
   void setEqualScale(bool on) { equal_ = on; }
   bool equalScale() const { return equal_; }
+  // The line style of a data set (solid by default): a second curve stays told apart in print.
+  void setLineStyle(int set, Qt::PenStyle style) {
+    if (set >= 1 && set <= 2) styles_[set - 1] = style;
+  }
+  Qt::PenStyle lineStyle(int set) const { return set >= 1 && set <= 2 ? styles_[set - 1] : Qt::SolidLine; }
 
   // The stored points: a count per set, values from index 1 (the first point).
   void setPointCount(int count);
@@ -78,6 +83,7 @@ class ChartWidget : public QChartView {
   QRectF dataBounds_;  // the drawn points' extent, for the equal-scale fit
   int sets_ = 1;
   std::array<QList<QPointF>, 2> points_;
+  std::array<Qt::PenStyle, 2> styles_{Qt::SolidLine, Qt::SolidLine};
   std::array<QList<QLineSeries*>, 2> drawn_;
   QValueAxis* xAxis_;
   QValueAxis* yLinear_;

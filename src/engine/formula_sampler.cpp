@@ -1,6 +1,7 @@
 // The compile-once, evaluate-per-point loop shared by the tool windows.
 #include "engine/formula_sampler.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -99,6 +100,58 @@ PointStatus FormulaSampler::evaluateProgram(int16_t n, double& y) {
       return e.FaultFlag ? PointStatus::kFault : PointStatus::kError;
     }
     n = r;
+  }
+  y = e.EvaluateProgram(n);
+  return status(y);
+}
+
+PointStatus FormulaSampler::foldSumsOnce(double x) {
+  if (!hasSums_) return PointStatus::kOk;
+  Engine& e = engine_;
+  e.RestoreProgram(saved_);
+  restoreSums();
+  e.XValue = x;
+  e.CurrentSlot += 1;
+  int16_t n = e.ComputeSigmas(saved_.n);
+  e.CurrentSlot -= 1;
+  if (n < 0 || e.failed()) return e.FaultFlag ? PointStatus::kFault : PointStatus::kError;
+  saved_ = e.SaveProgram(n);
+  hasSums_ = false;
+  return PointStatus::kOk;
+}
+
+void FormulaSampler::setCellNames(std::vector<std::string> names) {
+  cellNames_ = std::move(names);
+  cellUsed_.assign(cellNames_.size(), false);
+  for (size_t k = 0; k < cellNames_.size(); ++k) {
+    cellUsed_[k] = std::find(variables_.begin(), variables_.end(), cellNames_[k]) != variables_.end();
+  }
+}
+
+PointStatus FormulaSampler::atValues(double x, std::span<const double> values, double& y) {
+  Engine& e = engine_;
+  bool any = false;
+  for (size_t k = 0; k < cellNames_.size() && k < values.size(); ++k) {
+    if (!cellUsed_[k]) continue;
+    // A number cell changes the program, so the engine builds its code again at every point.
+    if (!any) e.RestoreProgram(saved_);
+    any = true;
+    e.BindVariableCells(cellNames_[k], values[k]);
+  }
+  if (!any) return at(x, y);
+  int16_t n = saved_.n;
+  e.XValue = x;
+  if (hasSums_) {
+    restoreSums();
+    e.CurrentSlot += 1;
+    int16_t r = e.ComputeSigmas(n);
+    e.CurrentSlot -= 1;
+    if (r < 0 || e.failed()) {
+      y = 0;
+      return e.FaultFlag ? PointStatus::kFault : PointStatus::kError;
+    }
+    n = r;
+    e.XValue = x;
   }
   y = e.EvaluateProgram(n);
   return status(y);

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -47,6 +48,15 @@ class FormulaSampler {
   // f with each named variable replaced by a number cell (the two-variable tools).
   PointStatus atCells(const std::vector<std::pair<std::string, double>>& bindings, double& y);
 
+  // Folds the sums into the saved program once, at x, instead of at every point.
+  PointStatus foldSumsOnce(double x);
+
+  // The names that atValues replaces, fixed once per run (the solvers' y, diff and z).
+  void setCellNames(std::vector<std::string> names);
+  // f at x with the k-th cell name holding values[k] as a number cell (its 15-digit text):
+  // the dependent values of a solver pass through their decimal text at every evaluation.
+  PointStatus atValues(double x, std::span<const double> values, double& y);
+
  private:
   PointStatus status(double y) const;
   // The program as it stands, sums folded at the current XValue, evaluated.
@@ -57,6 +67,9 @@ class FormulaSampler {
   SavedProgram saved_;
   SavedProgram substituted_;
   std::vector<std::string> variables_;
+  // setCellNames: the names and whether the formula uses each (an unused one binds nothing).
+  std::vector<std::string> cellNames_;
+  std::vector<bool> cellUsed_;
   // Sums are folded at every point from the integral table, which the next compilation
   // overwrites; a sampler keeps its own copy so two formulas can be sampled side by side.
   bool hasSums_ = false;

@@ -91,6 +91,7 @@ PointStatus FormulaSampler::atCells(const std::vector<std::pair<std::string, dou
 PointStatus FormulaSampler::evaluateProgram(int16_t n, double& y) {
   Engine& e = engine_;
   if (hasSums_) {
+    const double x = e.XValue;  // a sum runs its index through XValue
     restoreSums();
     e.CurrentSlot += 1;
     int16_t r = e.ComputeSigmas(n);
@@ -100,6 +101,7 @@ PointStatus FormulaSampler::evaluateProgram(int16_t n, double& y) {
       return e.FaultFlag ? PointStatus::kFault : PointStatus::kError;
     }
     n = r;
+    e.XValue = x;
   }
   y = e.EvaluateProgram(n);
   return status(y);
@@ -139,22 +141,8 @@ PointStatus FormulaSampler::atValues(double x, std::span<const double> values, d
     e.BindVariableCells(cellNames_[k], values[k]);
   }
   if (!any) return at(x, y);
-  int16_t n = saved_.n;
   e.XValue = x;
-  if (hasSums_) {
-    restoreSums();
-    e.CurrentSlot += 1;
-    int16_t r = e.ComputeSigmas(n);
-    e.CurrentSlot -= 1;
-    if (r < 0 || e.failed()) {
-      y = 0;
-      return e.FaultFlag ? PointStatus::kFault : PointStatus::kError;
-    }
-    n = r;
-    e.XValue = x;
-  }
-  y = e.EvaluateProgram(n);
-  return status(y);
+  return evaluateProgram(saved_.n, y);
 }
 
 void EndRunOnFault(Engine& engine) {

@@ -11,15 +11,7 @@
 namespace merida {
 namespace {
 
-class StoppingHost : public test::RecordingHost {
- public:
-  Engine* engine = nullptr;
-  int stopAt = -1;
-  void processEvents() override {
-    RecordingHost::processEvents();
-    if (engine && eventsProcessed == stopAt) engine->StopRequested = 1;
-  }
-};
+using test::StoppingHost;
 
 class IntegrationTest : public ::testing::Test {
  protected:

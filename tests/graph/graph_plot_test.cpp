@@ -13,16 +13,7 @@ namespace {
 
 using test::RecordingHost;
 
-// Asks the running plot to stop at the k-th chance it gets.
-class StoppingHost : public RecordingHost {
- public:
-  Engine* engine = nullptr;
-  int stopAt = -1;
-  void processEvents() override {
-    RecordingHost::processEvents();
-    if (engine && eventsProcessed == stopAt) engine->StopRequested = 1;
-  }
-};
+using test::StoppingHost;
 
 class GraphPlotTest : public ::testing::Test {
  protected:

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/engine.h"
 #include "engine/host.h"
 
 namespace merida::test {
@@ -34,6 +35,17 @@ class RecordingHost : public EngineHost {
   void showError(int code, const std::string&) override { errors.push_back(code); }
   void showFault(const std::string& description) override { faults.push_back(description); }
   void processEvents() override { ++eventsProcessed; }
+};
+
+// A recording host that asks the running loop to stop at its stopAt-th chance to handle events.
+class StoppingHost : public RecordingHost {
+ public:
+  Engine* engine = nullptr;
+  int stopAt = -1;
+  void processEvents() override {
+    RecordingHost::processEvents();
+    if (engine && eventsProcessed == stopAt) engine->StopRequested = 1;
+  }
 };
 
 // Runs merida-cli with arguments and standard input; captures output and exit status.

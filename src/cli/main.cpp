@@ -21,6 +21,8 @@ int RunGcm(Context&, const std::vector<std::string>&);
 int RunInteg(Context&, const std::vector<std::string>&);
 int RunDinteg(Context&, const std::vector<std::string>&);
 int RunDelay(Context&, const std::vector<std::string>&);
+int RunRoots(Context&, const std::vector<std::string>&);
+int RunInter(Context&, const std::vector<std::string>&);
 int RunDiff(Context&, const std::vector<std::string>&);
 int RunOde(Context&, const std::vector<std::string>&);
 
@@ -38,6 +40,8 @@ constexpr CommandEntry kCommands[] = {
     {"primes", "primes N", RunPrimes},
     {"gcm", "gcm A B", RunGcm},
     {"integ", "integ --min A --max B --num N FORMULA", RunInteg},
+    {"roots", "roots --min A --max B --num N [--judge J] [--integer] FORMULA", RunRoots},
+    {"inter", "inter --second G --min A --max B --num N [--judge J] FORMULA", RunInter},
     {"delay", "delay --steps N --init V1,V2,...,VK FORMULA", RunDelay},
     {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
     {"diff", "diff [--order 2] --width H --min A --max B FORMULA", RunDiff},

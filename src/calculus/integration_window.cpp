@@ -4,9 +4,11 @@
 #include <QCloseEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "engine/number_text.h"
+#include "main/error_window.h"
 
 namespace merida {
 namespace {
@@ -88,7 +90,12 @@ void IntegrationWindow::openDouble() {
   if (running_) return;
   auto names = PrepareDoubleIntegral(engine_, main_.formula().toStdString());
   if (!names) return;
-  if (!double_) double_ = new DoubleIntegrationWindow(engine_, state_, main_, this);
+  if (!double_) {
+    double_ = new DoubleIntegrationWindow(engine_, state_, main_, this);
+    // Beside this window, not over the main window's answer where the result appears.
+    double_->adjustSize();
+    double_->move(PlaceBeside(frameGeometry(), double_->size(), screen()->availableGeometry()));
+  }
   if (double_->isHidden()) double_->load(QString::fromStdString(names->first), QString::fromStdString(names->second));
   double_->show();
   double_->raise();

@@ -53,6 +53,7 @@ TEST_F(IntegrationWindows, DoubleOpensOnlyForTwoVariables) {
   DoubleIntegrationWindow* d = w->doubleWindow();
   ASSERT_NE(d, nullptr);
   ASSERT_TRUE(d->isVisible());
+  EXPECT_FALSE(d->frameGeometry().intersects(w->frameGeometry())) << "opens beside the Integration window";
   EXPECT_EQ(d->Label1->text(), "x");
   EXPECT_EQ(d->Label2->text(), "y");
   EXPECT_EQ(d->Text3->text(), "20");

@@ -79,46 +79,74 @@ bool Engine::DeleteFunction(int k) {
   CurrentSlot -= 1;
   TokenTable[CurrentSlot].clear();
   FunctionTable[CurrentSlot] = FunctionHeader{};
+  for (KeptLine& line : keptLines_) {
+    if (line.after >= k) line.after -= 1;
+  }
   InvalidateCallCache();
   return true;
 }
 
 std::string Engine::StoreText() const {
   std::string out;
-  for (int k = 1; k < CurrentSlot; ++k) {
-    std::string line = FunctionListLine(k);
-    std::replace(line.begin(), line.end(), ',', '@');  // the store never holds a comma
-    out += line + "\r\n";
+  size_t kept = 0;
+  for (int k = 0; k < CurrentSlot; ++k) {
+    if (k > 0) {
+      std::string line = FunctionListLine(k);
+      std::replace(line.begin(), line.end(), ',', '@');  // the store never holds a comma
+      out += line + "\r\n";
+    }
+    for (; kept < keptLines_.size() && keptLines_[kept].after <= k; ++kept) out += keptLines_[kept].text + "\r\n";
   }
+  for (; kept < keptLines_.size(); ++kept) out += keptLines_[kept].text + "\r\n";
   return out;
 }
 
 void Engine::LoadStoreText(std::string_view text) {
   if (busy()) return;
+  const MissingCall savedMissing = missingCall_;
+  // A body may call a function that a later line defines, or that was deleted: it registers,
+  // and the call is error 4 while the function is missing.
+  missingCall_ = MissingCall::kKept;
+  bool full = false;
   size_t pos = 0;
   while (pos < text.size()) {
     size_t end = text.find('\n', pos);
     if (end == std::string_view::npos) end = text.size();
-    std::string line(text.substr(pos, end - pos));
+    std::string_view raw = text.substr(pos, end - pos);
     pos = end + 1;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (Trim(line).empty()) continue;
-    if (CurrentSlot >= kMaxWorkSlot) {
-      Fail(9);  // the rest of the store cannot be registered
-      break;
+    if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
+    if (Trim(raw).empty()) continue;
+    // What cannot be registered stays in the store as the user wrote it.
+    auto keep = [&] { keptLines_.push_back(KeptLine{userFunctionCount(), std::string(raw)}); };
+    if (!CheckLength(raw)) {
+      keep();
+      continue;
     }
+    if (CurrentSlot >= kMaxWorkSlot) {
+      if (!full) Fail(9);
+      full = true;
+      keep();
+      continue;
+    }
+    std::string line(raw);
     std::replace(line.begin(), line.end(), '@', ',');
     BeginRun(-1, line);
     SplitFormula();
     // Integrals and sums are lifted as Rec does, so a stored body that holds them can be called.
-    if (ExpandIntegrals() < 0 || failed() || ExpandSigmas() < 0 || failed()) continue;
+    if (ExpandIntegrals() < 0 || failed() || ExpandSigmas() < 0 || failed()) {
+      keep();
+      continue;
+    }
     ParseHeader();
-    if (failed()) continue;
-    TokenizeBody();
-    if (failed()) continue;
+    if (!failed()) TokenizeBody();
+    if (failed()) {
+      keep();
+      continue;
+    }
     ReinsertIntegralArguments(CurrentSlot);
     CurrentSlot += 1;
   }
+  missingCall_ = savedMissing;
   InvalidateCallCache();
   ErrorFlag = 0;
   BeginRun(-1, "");

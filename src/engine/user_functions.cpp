@@ -1,5 +1,6 @@
 // User functions: registering, listing, deleting, and the store text.
 #include <algorithm>
+#include <string_view>
 
 #include "engine/engine.h"
 #include "engine/number_text.h"
@@ -10,7 +11,11 @@ void Engine::ReinsertIntegralArguments(int slot) {
   TokenList& list = TokenTable[slot];
   for (const char* name : {"integ", "sgm"}) {
     for (int i = 1; i + 3 <= list.Count; ++i) {
-      if (list.Text[i] != name || list.Text[i + 1] != "(" || list.Text[i + 3] != ")") continue;
+      // The lifting found the name at the end of a word: "gsgm(" is a call of gsgm whose
+      // arguments were lifted all the same, and they must be written back.
+      if (!std::string_view(list.Text[i]).ends_with(name) || list.Text[i + 1] != "(" || list.Text[i + 3] != ")") {
+        continue;
+      }
       auto k = ToInt16(ReadLenient(list.Text[i + 2]));
       if (!IsNumeric(list.Text[i + 2]) || !k || *k < 1 || *k > IntegralCount) continue;
       const IntegralEntry& e = IntegralTable[*k];

@@ -70,6 +70,7 @@ void Engine::ResetEngine() {
   for (auto& t : TokenTable) t.clear();
   for (auto& f : FunctionTable) f = FunctionHeader{};
   keptLines_.clear();
+  storeBase_.clear();
   InvalidateCallCache();
 }
 

@@ -179,6 +179,13 @@ class Engine {
   void LoadStoreText(std::string_view text);
   // Store lines kept as written because they could not be registered.
   size_t keptLineCount() const { return keptLines_.size(); }
+  // The store text to save when another program may have saved since this engine last
+  // loaded or saved: `current` (the file now) without the lines deleted here, with the lines
+  // added here appended. Equals StoreText() when nobody else saved.
+  std::string MergedStoreText(std::string_view current) const;
+  // After saving `text`: the functions become the saved text's (nothing is shown when a line
+  // another program added cannot be registered), and it is the base of the next merge.
+  void StoreSaved(std::string_view text);
 
  private:
   friend struct Evaluator;
@@ -236,6 +243,7 @@ class Engine {
     std::string text;
   };
   std::vector<KeptLine> keptLines_;
+  std::vector<std::string> storeBase_;  // the store's lines when last loaded or saved
   int busyDepth_ = 0;
 
  public:

@@ -6,6 +6,21 @@
 #include "engine/number_text.h"
 
 namespace merida {
+namespace {
+
+std::vector<std::string> StoreLines(std::string_view text) {
+  std::vector<std::string> lines;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find("\r\n", pos);
+    if (end == std::string_view::npos) end = text.size();
+    lines.emplace_back(text.substr(pos, end - pos));
+    pos = end + 2;
+  }
+  return lines;
+}
+
+}  // namespace
 
 void Engine::ReinsertIntegralArguments(int slot) {
   TokenList& list = TokenTable[slot];
@@ -155,6 +170,45 @@ void Engine::LoadStoreText(std::string_view text) {
   InvalidateCallCache();
   ErrorFlag = 0;
   BeginRun(-1, "");
+  storeBase_ = StoreLines(StoreText());
+}
+
+std::string Engine::MergedStoreText(std::string_view current) const {
+  std::string ours = StoreText();
+  // The file in the form this engine writes, so that equal lines compare equal.
+  SilentHost silent;
+  Engine normalised(silent);
+  normalised.LoadStoreText(current);
+  std::vector<std::string> theirs = StoreLines(normalised.StoreText());
+  if (theirs == storeBase_) return ours;
+  std::vector<std::string> mine = StoreLines(ours);
+  auto has = [](const std::vector<std::string>& lines, const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  };
+  std::string merged;
+  for (const std::string& line : theirs) {
+    if (!has(storeBase_, line) || has(mine, line)) merged += line + "\r\n";
+  }
+  for (const std::string& line : mine) {
+    if (!has(storeBase_, line) && !has(theirs, line)) merged += line + "\r\n";
+  }
+  return merged;
+}
+
+void Engine::StoreSaved(std::string_view text) {
+  if (busy()) return;
+  if (text != StoreText()) {
+    for (int k = 1; k < CurrentSlot; ++k) {
+      TokenTable[k].clear();
+      FunctionTable[k] = FunctionHeader{};
+    }
+    CurrentSlot = 1;
+    keptLines_.clear();
+    muted_ = true;
+    LoadStoreText(text);
+    muted_ = false;
+  }
+  storeBase_ = StoreLines(StoreText());
 }
 
 }  // namespace merida

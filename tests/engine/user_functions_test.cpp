@@ -346,3 +346,49 @@ TEST(UserFunctions, FunctionTableIsNotChangedDuringARun) {
 
 }  // namespace
 }  // namespace merida
+
+namespace merida {
+namespace {
+
+// Two programs that loaded the same store save one after the other: neither loses the
+// other's additions or deletions.
+TEST(StoreMerge, SavesMergeWhatAnotherProgramSavedMeanwhile) {
+  struct Row {
+    std::vector<std::string> recA, recB;
+    int delB;  // 0 = none
+    std::string saved;
+  };
+  const std::string base = "f(x)=x+1\r\ng(x)=f(x)*2\r\n";
+  const Row rows[] = {
+      {{"a(x)=x+3"}, {"b(x)=x+4"}, 0, base + "a(x)=x+3\r\nb(x)=x+4\r\n"},
+      {{}, {"b(x)=x+4"}, 1, "g(x)=f(x)*2\r\nb(x)=x+4\r\n"},
+      {{"a(x)=x+3"}, {}, 2, "f(x)=x+1\r\na(x)=x+3\r\n"},
+      {{"a(x)=x+3"}, {"a(x)=x+3"}, 0, base + "a(x)=x+3\r\n"},
+      {{"a(x)=x+3"}, {"a(x)=x+5"}, 0, base + "a(x)=x+3\r\na(x)=x+5\r\n"},  // the second is kept, not lost
+  };
+  for (const Row& r : rows) {
+    test::TempDirScope dir;
+    std::ofstream("MERIDA.DAT", std::ios::binary) << base;
+    test::RecordingHost host;
+    Engine a(host), b(host);
+    LoadUserFunctions(a, ".");
+    LoadUserFunctions(b, ".");
+    for (const auto& f : r.recA) ASSERT_TRUE(a.RegisterFormula(f));
+    for (const auto& f : r.recB) ASSERT_TRUE(b.RegisterFormula(f));
+    if (r.delB) {
+      ASSERT_TRUE(b.DeleteFunction(r.delB));
+    }
+    ASSERT_TRUE(SaveUserFunctions(a, "."));
+    ASSERT_TRUE(SaveUserFunctions(b, "."));
+    std::ifstream in("MERIDA.DAT", std::ios::binary);
+    std::string stored((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(stored, r.saved);
+    EXPECT_EQ(b.StoreText(), r.saved) << "the later saver holds what it saved";
+    // A saves again without changes: B's changes stay.
+    ASSERT_TRUE(SaveUserFunctions(a, "."));
+    EXPECT_EQ(a.StoreText(), r.saved);
+  }
+}
+
+}  // namespace
+}  // namespace merida

@@ -20,6 +20,30 @@ std::vector<std::string> StoreLines(std::string_view text) {
   return lines;
 }
 
+// Integrals are lifted before sums, so an integral written inside a sum's arguments is held
+// there as integ(k): the sum's texts get the integral's arguments back.
+std::string WithIntegralsWrittenOut(std::string text, const std::array<IntegralEntry, kMaxIntegrals + 1>& table,
+                                    int count) {
+  size_t from = 0;
+  for (;;) {
+    size_t at = text.find("integ(", from);
+    if (at == std::string::npos) return text;
+    size_t open = at + 5, close = text.find(')', open);
+    if (close == std::string::npos) return text;
+    std::string_view number(text.data() + open + 1, close - open - 1);
+    auto k = ToInt16(ReadLenient(number));
+    bool digits = !number.empty() && std::all_of(number.begin(), number.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!digits || !k || *k < 1 || *k > count) {
+      from = open + 1;
+      continue;
+    }
+    const IntegralEntry& e = table[*k];
+    std::string arguments = e.Integrand + "," + e.LowerText + "," + e.UpperText + "," + e.FourthText;
+    text.replace(open + 1, close - open - 1, arguments);
+    from = open + 1 + arguments.size();
+  }
+}
+
 }  // namespace
 
 void Engine::ReinsertIntegralArguments(int slot) {
@@ -33,7 +57,12 @@ void Engine::ReinsertIntegralArguments(int slot) {
       }
       auto k = ToInt16(ReadLenient(list.Text[i + 2]));
       if (!IsNumeric(list.Text[i + 2]) || !k || *k < 1 || *k > IntegralCount) continue;
-      const IntegralEntry& e = IntegralTable[*k];
+      IntegralEntry e = IntegralTable[*k];
+      if (std::string_view(name) == "sgm") {
+        for (std::string* text : {&e.Integrand, &e.LowerText, &e.UpperText, &e.FourthText}) {
+          *text = WithIntegralsWrittenOut(std::move(*text), IntegralTable, IntegralCount);
+        }
+      }
       list.Text[i + 2] = e.Integrand;
       const std::string inserted[] = {",", e.LowerText, ",", e.UpperText, ",", e.FourthText};
       auto at = static_cast<std::ptrdiff_t>(i + 3);

@@ -392,3 +392,36 @@ TEST(StoreMerge, SavesMergeWhatAnotherProgramSavedMeanwhile) {
 
 }  // namespace
 }  // namespace merida
+
+namespace merida {
+namespace {
+
+// The list (and the store) shows a body as written, whatever was lifted out of it.
+TEST(UserFunctions, IntegralsInsideSumsAreListedAsWritten) {
+  struct Row {
+    const char* formula;
+    const char* call;
+    const char* answer;  // null: not called (a sum's limits are read as constant texts)
+  };
+  const Row rows[] = {
+      {"h(n)=sgm(integ(x,0,2,10)*k,1,n,k)", "h(2)", "6"},
+      {"h(n)=sgm(k,1,integ(x,0,2,2),k)+integ(t,0,n,2)", "h(2)", nullptr},
+      {"h(n)=integ(x,0,n,2)+sgm(integ(t,0,1,2)+k,1,2,k)*integ(x,0,1,2)", "h(2)", "4"},
+  };
+  for (const Row& r : rows) {
+    test::RecordingHost host;
+    Engine e(host);
+    ASSERT_TRUE(e.RegisterFormula(r.formula)) << r.formula;
+    EXPECT_EQ(e.FunctionListLine(1), r.formula);
+    if (r.answer) {
+      EXPECT_EQ(Calc(e, r.call), r.answer) << r.formula;
+    }
+    Engine loaded(host);
+    loaded.LoadStoreText(e.StoreText());
+    EXPECT_EQ(loaded.FunctionListLine(1), r.formula);
+    EXPECT_TRUE(host.errors.empty()) << r.formula;
+  }
+}
+
+}  // namespace
+}  // namespace merida

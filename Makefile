@@ -2,7 +2,7 @@
 PRESET ?= default
 BUILD  := build/$(PRESET)
 
-.PHONY: run test build configure sanitize bench clean
+.PHONY: run test build configure sanitize fuzz bench clean
 
 run: build
 	cd "$(CURDIR)" && ./$(BUILD)/merida
@@ -23,6 +23,10 @@ sanitize:
 	@test -f build/sanitize/build.ninja || cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize
+
+# The libFuzzer targets for a short bounded time; scripts/fuzz SECONDS runs them longer.
+fuzz:
+	scripts/fuzz 60
 
 bench:
 	scripts/setup libmuparser-dev primesieve

@@ -71,6 +71,7 @@ void Engine::ResetEngine() {
   for (auto& f : FunctionTable) f = FunctionHeader{};
   keptLines_.clear();
   storeBase_.clear();
+  for (auto& line : storeLines_) line.clear();
   InvalidateCallCache();
 }
 

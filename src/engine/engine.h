@@ -243,6 +243,9 @@ class Engine {
     std::string text;
   };
   std::vector<KeptLine> keptLines_;
+  // A loaded function's store line as written, saved back unchanged (the list shows the
+  // function as the tables hold it); empty for a function registered by Rec.
+  std::array<std::string, kSlotCount> storeLines_;
   std::vector<std::string> storeBase_;  // the store's lines when last loaded or saved
   int busyDepth_ = 0;
 

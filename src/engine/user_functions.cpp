@@ -103,6 +103,7 @@ bool Engine::RegisterFormula(std::string_view formulaBoxText) {
     Fail(9);
     return false;
   }
+  storeLines_[CurrentSlot].clear();
   CurrentSlot += 1;
   InvalidateCallCache();
   return true;
@@ -124,10 +125,12 @@ bool Engine::DeleteFunction(int k) {
   for (int s = k; s + 1 < CurrentSlot; ++s) {
     TokenTable[s] = std::move(TokenTable[s + 1]);
     FunctionTable[s] = std::move(FunctionTable[s + 1]);
+    storeLines_[s] = std::move(storeLines_[s + 1]);
   }
   CurrentSlot -= 1;
   TokenTable[CurrentSlot].clear();
   FunctionTable[CurrentSlot] = FunctionHeader{};
+  storeLines_[CurrentSlot].clear();
   for (KeptLine& line : keptLines_) {
     if (line.after >= k) line.after -= 1;
   }
@@ -139,7 +142,9 @@ std::string Engine::StoreText() const {
   std::string out;
   size_t kept = 0;
   for (int k = 0; k < CurrentSlot; ++k) {
-    if (k > 0) {
+    if (k > 0 && !storeLines_[k].empty()) {
+      out += storeLines_[k] + "\r\n";
+    } else if (k > 0) {
       std::string line = FunctionListLine(k);
       std::replace(line.begin(), line.end(), ',', '@');  // the store never holds a comma
       out += line + "\r\n";
@@ -193,6 +198,7 @@ void Engine::LoadStoreText(std::string_view text) {
       continue;
     }
     ReinsertIntegralArguments(CurrentSlot);
+    storeLines_[CurrentSlot] = std::string(raw);
     CurrentSlot += 1;
   }
   missingCall_ = savedMissing;
@@ -230,6 +236,7 @@ void Engine::StoreSaved(std::string_view text) {
     for (int k = 1; k < CurrentSlot; ++k) {
       TokenTable[k].clear();
       FunctionTable[k] = FunctionHeader{};
+      storeLines_[k].clear();
     }
     CurrentSlot = 1;
     keptLines_.clear();

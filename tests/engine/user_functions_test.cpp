@@ -204,6 +204,32 @@ TEST_F(StoreTest, LinesThatCannotBeRegisteredAreKeptWhereTheyWere) {
   }
 }
 
+TEST_F(StoreTest, LoadedLinesAreSavedAsWrittenAndListedAsRegistered) {
+  struct Row {
+    std::string stored, listed;
+  };
+  const Row rows[] = {
+      {"f( x )=x+1", "f(x)=x+1"},
+      {"g(x)=+x", "g(x)=x"},
+      {"n(k)(junk)=k*2", "n(k,(junk)=k*2"},  // listed as the header parses
+      {"p(x@y)=x+y  ", "p(x,y)=x+y"},
+      {"q(x@y)=x+y", "q(x,y)=x+y"},
+  };
+  std::string stored;
+  for (const Row& r : rows) stored += r.stored + "\r\n";
+  std::ofstream("MERIDA.DAT", std::ios::binary) << stored;
+  RecordingHost host;
+  Engine e(host);
+  LoadUserFunctions(e, ".");
+  ASSERT_EQ(e.userFunctionCount(), 5);
+  for (int k = 1; k <= 5; ++k) EXPECT_EQ(e.FunctionListLine(k), rows[k - 1].listed);
+  ASSERT_TRUE(e.DeleteFunction(2));
+  ASSERT_TRUE(e.RegisterFormula("r(x, y)=x*y"));
+  ASSERT_TRUE(SaveUserFunctions(e, "."));
+  EXPECT_EQ(ReadFile("MERIDA.DAT"), "f( x )=x+1\r\nn(k)(junk)=k*2\r\np(x@y)=x+y  \r\nq(x@y)=x+y\r\nr(x@y)=x*y\r\n");
+  EXPECT_EQ(Calc(e, "f(1)+p(1,2)+r(2,3)"), "11");
+}
+
 TEST_F(StoreTest, KeptLinesStayBetweenTheirNeighboursAcrossDeleteAndRec) {
   std::ofstream("MERIDA.DAT", std::ios::binary) << "a(x)=1+x\r\nbad(\r\nb(x)=2+x\r\n";
   RecordingHost host;

@@ -451,3 +451,39 @@ TEST(UserFunctions, IntegralsInsideSumsAreListedAsWritten) {
 
 }  // namespace
 }  // namespace merida
+
+namespace merida {
+namespace {
+
+// A stop button pressed during a run of sums nested through calls ends the whole run.
+class StoppingHost : public test::RecordingHost {
+ public:
+  Engine* engine = nullptr;
+  int stopAfter = 0;
+  void processEvents() override {
+    if (++eventsProcessed == stopAfter && engine) engine->StopRequested = 1;
+  }
+};
+
+TEST(UserFunctions, AStopEndsSumsNestedThroughCalls) {
+  struct Row {
+    const char* formula;
+    int stopAfter;
+  };
+  const Row rows[] = {{"g(32)", 50}, {"g(32)", 1}, {"sgm(g(j),1,32,j)", 50}, {"2*g(20)+1", 500}};
+  for (const Row& r : rows) {
+    StoppingHost host;
+    Engine e(host);
+    ASSERT_TRUE(e.RegisterFormula("h(n)=sgm(g(k),0,n,k)"));
+    ASSERT_TRUE(e.RegisterFormula("g(x)=h(x-1)/1"));
+    host.engine = &e;
+    host.stopAfter = r.stopAfter;
+    EXPECT_FALSE(Calc(e, r.formula)) << r.formula;
+    // Each level ends at its next poll once the stop is set; nothing starts afresh.
+    EXPECT_LT(host.eventsProcessed, r.stopAfter + 100) << r.formula;
+    EXPECT_FALSE(e.busy());
+  }
+}
+
+}  // namespace
+}  // namespace merida

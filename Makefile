@@ -4,7 +4,7 @@ BUILD  := build/$(PRESET)
 
 PREFIX ?= /usr/local
 
-.PHONY: run test build configure sanitize bench clean install
+.PHONY: run test build configure sanitize fuzz bench clean install
 
 run: build
 	cd "$(CURDIR)" && ./$(BUILD)/merida
@@ -28,6 +28,10 @@ sanitize:
 	@test -f build/sanitize/build.ninja || cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize
+
+# The libFuzzer targets for a short bounded time; scripts/fuzz SECONDS runs them longer.
+fuzz:
+	scripts/fuzz 60
 
 bench:
 	scripts/setup libmuparser-dev primesieve

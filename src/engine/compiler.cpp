@@ -69,6 +69,9 @@ void Engine::ResetEngine() {
   CancelFlag = false;
   for (auto& t : TokenTable) t.clear();
   for (auto& f : FunctionTable) f = FunctionHeader{};
+  keptLines_.clear();
+  storeBase_.clear();
+  for (auto& line : storeLines_) line.clear();
   InvalidateCallCache();
 }
 
@@ -95,7 +98,19 @@ void Engine::Fail(int code) {
   ErrorFlag = 1;
 }
 
+// A text past the limit is refused before any step walks it.
+bool Engine::CheckLength(std::string_view text) {
+  if (text.size() <= static_cast<size_t>(kMaxFormulaLength)) return true;
+  Fail(10);
+  return false;
+}
+
 void Engine::SplitFormula() {
+  if (!CheckLength(FormulaText)) {
+    HeaderText.clear();
+    BodyText.clear();
+    return;
+  }
   size_t p = FormulaText.find('=');
   if (p == std::string::npos) {
     HeaderText.clear();
@@ -115,6 +130,7 @@ int16_t Engine::ExpandSigmas() { return ExpandCalls("sgm"); }
 
 // Lifts every name(f,a,b,n) of the body into the integral table, leaving name(k).
 int16_t Engine::ExpandCalls(std::string_view name) {
+  if (!CheckLength(BodyText)) return -1;
   size_t from = 0;
   for (;;) {
     size_t at = BodyText.find(name, from);
@@ -154,6 +170,7 @@ int16_t Engine::ExpandCalls(std::string_view name) {
       return -1;
     }
     IntegralEntry& e = IntegralTable[IntegralCount];
+    e.State = -1;  // a new entry, whatever an earlier formula left in its place
     e.FourthText = BodyText.substr(commas[0] + 1, close - commas[0] - 1);
     e.UpperText = BodyText.substr(commas[1] + 1, commas[0] - commas[1] - 1);
     e.LowerText = BodyText.substr(commas[2] + 1, commas[1] - commas[2] - 1);
@@ -168,6 +185,7 @@ void Engine::ParseHeader() {
   FunctionHeader& f = FunctionTable[CurrentSlot];
   f.ParamCount = 0;
   f.Param.assign(1, std::string());
+  if (!CheckLength(HeaderText)) return;
   if (HeaderText.empty()) {
     for (int k = 1; k <= 100; ++k) {
       std::string candidate = "f_" + std::to_string(k);
@@ -192,8 +210,13 @@ void Engine::ParseHeader() {
       CheckNameUnused(f.Name);
       if (ErrorFlag == 1) return;
       if (!CheckName(f.Name)) return;
-    } else if (c == ',' || (c == ')' && s < i)) {
+    } else if (c == ',' || (c == ')' && (s < i || count > 0))) {
+      // An empty or blank parameter would change the signature at the next save.
       std::string param(Trim(std::string_view(HeaderText).substr(s, i - s)));
+      if (param.empty()) {
+        Fail(21);
+        return;
+      }
       if (IsNumeric(param)) {
         Fail(1);
         return;
@@ -247,7 +270,9 @@ int16_t Engine::ClassifyWord(std::string_view word) const {
   return kOperandKind;
 }
 
-bool Engine::CheckArgumentCount(std::string_view text, int n) {
+namespace {
+
+int ArgumentCount(std::string_view text) {
   int depth = 0, args = 0;
   for (char c : text) {
     if (c == '(') {
@@ -262,7 +287,13 @@ bool Engine::CheckArgumentCount(std::string_view text, int n) {
       --depth;
     }
   }
-  if (args != n) {
+  return args;
+}
+
+}  // namespace
+
+bool Engine::CheckArgumentCount(std::string_view text, int n) {
+  if (ArgumentCount(text) != n) {
     Fail(8);
     return false;
   }
@@ -273,6 +304,7 @@ void Engine::TokenizeBody() {
   ErrorFlag = 0;
   TokenList& list = TokenTable[CurrentSlot];
   list.clear();
+  if (!CheckLength(BodyText)) return;
   std::string body = BodyText;
   if (!body.empty() && body[0] == '-') body.insert(0, 1, '0');
   else if (!body.empty() && body[0] == '+') body.erase(0, 1);
@@ -290,10 +322,18 @@ void Engine::TokenizeBody() {
     int16_t kind = ClassifyWord(word);
     if (!CheckName(word)) return false;
     if (kind >= 5 && !CheckArgumentCount(std::string_view(body).substr(i), kind - 4)) return false;
-    // A name followed by "(" that is no function: a call of a function that is not registered.
+    // A name followed by "(" that is no function.
     if (kind == kOperandKind && i < body.size() && body[i] == '(' && !IsNumeric(word)) {
-      Fail(4);
-      return false;
+      if (missingCall_ != MissingCall::kKept) {
+        Fail(missingCall_ == MissingCall::kNotFound ? 4 : 22);
+        return false;
+      }
+      int args = ArgumentCount(std::string_view(body).substr(i));
+      if (args > kMaxParameters) {
+        Fail(8);
+        return false;
+      }
+      kind = static_cast<int16_t>(args + 4);
     }
     // A function without parameters has kind 4 like the comma; its name binds as any function.
     int16_t precedence = (kind == 1 || kind == 2 || kind >= 4) ? 1 : kind;

@@ -16,9 +16,12 @@ namespace merida {
 
 constexpr int kMaxTokens = 100;     // tokens of one formula, cells of one program, stack depth
 constexpr int kMaxWorkSlot = 50;    // the highest work slot: at most 49 user functions
-constexpr int kSlotCount = 52;      // slots 0..51: sums compile one above a full work slot
+// Sums compile one slot above the work slot, and a sum inside a called function one above
+// that: slots beyond 50 serve nesting, up to a depth that is error 10 (too long).
+constexpr int kSlotCount = kMaxWorkSlot + 16;
 constexpr int kMaxIntegrals = 10;   // integ and sgm entries of one formula
 constexpr int kMaxParameters = 10;
+constexpr int kMaxFormulaLength = 4096;  // characters of a formula text or a store line
 
 // Token kinds; a registered user function with k parameters has kind k + 4.
 enum TokenKind : int16_t {
@@ -175,8 +178,18 @@ class Engine {
   bool DeleteFunction(int k);
   // The store file's text: one line per function, "@" for every comma, CR LF endings.
   std::string StoreText() const;
-  // Registers every line of a store text; lines that fail are reported and skipped.
+  // Registers every line of a store text. A line that fails is reported and kept as written
+  // (StoreText writes it back in its place); a line that calls a missing function registers.
   void LoadStoreText(std::string_view text);
+  // Store lines kept as written because they could not be registered.
+  size_t keptLineCount() const { return keptLines_.size(); }
+  // The store text to save when another program may have saved since this engine last
+  // loaded or saved: `current` (the file now) without the lines deleted here, with the lines
+  // added here appended. Equals StoreText() when nobody else saved.
+  std::string MergedStoreText(std::string_view current) const;
+  // After saving `text`: the functions become the saved text's (nothing is shown when a line
+  // another program added cannot be registered), and it is the base of the next merge.
+  void StoreSaved(std::string_view text);
 
  private:
   friend struct Evaluator;
@@ -184,6 +197,7 @@ class Engine {
   void CheckNameUnused(std::string_view name);
   int16_t ClassifyWord(std::string_view word) const;
   bool CheckArgumentCount(std::string_view text, int n);
+  bool CheckLength(std::string_view text);
   void CheckSyntax();
   int16_t ExpandCalls(std::string_view name);
   int16_t ComputeEntries(int16_t n, bool sums);
@@ -196,7 +210,9 @@ class Engine {
   void Touch() { Program.identity_ = ++identityCounter_; }
   void SetCell(int i, std::string text, int16_t kind, int16_t precedence);
   double CallUserFunction(int slot, const double* args, int count);
-  bool BuildCallCode(int slot);
+  double CallStepByStep(int slot, const double* args, int count);
+  CompiledCode* CallCode(int slot, bool toolMode);
+  bool BuildCallCode(int slot, CompiledCode& into);
   void InvalidateCallCache();
   CompiledCode& CodeAtDepth();
   double EvaluateAtSlow(const SavedProgram& saved, double x);
@@ -207,7 +223,12 @@ class Engine {
   uint64_t identityCounter_ = 0;
   int evalDepth_ = 0;
   std::vector<std::unique_ptr<CompiledCode>> code_;  // one per evaluation depth
-  std::vector<std::unique_ptr<CompiledCode>> callCache_;  // compiled bodies by slot
+  // Compiled bodies by slot and mode (0 main window, 1 tool). Code is never freed or rebuilt
+  // while it runs: a call that finds its code running runs a copy (one per depth), and an
+  // invalidation during a run retires the cache until the run ends.
+  std::vector<std::array<std::unique_ptr<CompiledCode>, 2>> callCache_;
+  std::vector<std::unique_ptr<CompiledCode>> callCopies_;
+  std::vector<std::array<std::unique_ptr<CompiledCode>, 2>> retiredCache_;
   uint64_t randomState_ = 0x9E3779B97F4A7C15ull;
   uint64_t functionsVersion_ = 0;  // changes whenever functions are registered or deleted
   uint64_t sumsCheckedIdentity_ = ~uint64_t{0};
@@ -217,6 +238,19 @@ class Engine {
   bool leanCode_ = true;
   int16_t leanN_ = 0;
   bool muted_ = false;  // trial compilations show no messages
+  // What a word followed by "(" that names no function is: a syntax error in a new formula,
+  // error 4 in a registered body (its function was deleted), a call kept by the loader.
+  enum class MissingCall : uint8_t { kSyntaxError, kNotFound, kKept };
+  MissingCall missingCall_ = MissingCall::kSyntaxError;
+  struct KeptLine {
+    int16_t after;  // the number of registered functions before it
+    std::string text;
+  };
+  std::vector<KeptLine> keptLines_;
+  // A loaded function's store line as written, saved back unchanged (the list shows the
+  // function as the tables hold it); empty for a function registered by Rec.
+  std::array<std::string, kSlotCount> storeLines_;
+  std::vector<std::string> storeBase_;  // the store's lines when last loaded or saved
   int busyDepth_ = 0;
 
  public:

@@ -11,7 +11,8 @@ namespace {
 
 constexpr double kPiValue = 3.14159265358979;
 constexpr double kEValue = 2.71828182845905;
-constexpr int kMaxCallDepth = 64;  // bodies may only call earlier functions; deletions can break that
+// Bodies may only call earlier functions, but deletions and the loader can make calls circular.
+constexpr int kMaxCallDepth = 64;
 
 int StackEffectTake(const Instr& in) {
   switch (in.op) {
@@ -706,12 +707,17 @@ void Engine::setLeanCode(bool on) {
 void Engine::InvalidateCallCache() {
   ++functionsVersion_;
   leanIdentity_ = ~uint64_t{0};
+  if (busy()) {
+    for (auto& entry : callCache_) retiredCache_.push_back(std::move(entry));
+  } else {
+    retiredCache_.clear();
+  }
   callCache_.clear();
 }
 
-// Compiles slot's body once for calls; false when the body must take the step-by-step path
+// Compiles slot's body for calls; false when the body must take the step-by-step path
 // (it holds integrals or sums, whose entries the call must rebuild, or it does not compile).
-bool Engine::BuildCallCode(int slot) {
+bool Engine::BuildCallCode(int slot, CompiledCode& into) {
   const TokenList& body = TokenTable[slot];
   for (int i = 1; i <= body.Count; ++i) {
     if (body.Text[i] == "integ" || body.Text[i] == "sgm") return false;
@@ -720,17 +726,16 @@ bool Engine::BuildCallCode(int slot) {
   TokenList savedTokens = TokenTable[CurrentSlot];
   std::string savedBody = BodyText;
   int16_t savedError = ErrorFlag;
+  MissingCall savedMissing = missingCall_;
   muted_ = true;
+  missingCall_ = MissingCall::kNotFound;
   BodyText = body.joined();
   TokenizeBody();
   int16_t n = ErrorFlag ? 0 : CompilePostfix(CurrentSlot);
   bool ok = ErrorFlag == 0;
-  if (ok) {
-    if (callCache_.size() <= static_cast<size_t>(slot)) callCache_.resize(slot + 1);
-    callCache_[slot] = std::make_unique<CompiledCode>();
-    Evaluator{*this}.Build(*callCache_[slot], n, &FunctionTable[slot], BindToX == 1 || IntegralBinding == 1);
-  }
+  if (ok) Evaluator{*this}.Build(into, n, &FunctionTable[slot], BindToX == 1 || IntegralBinding == 1);
   muted_ = false;
+  missingCall_ = savedMissing;
   Program = savedProgram;
   TokenTable[CurrentSlot] = std::move(savedTokens);
   BodyText = std::move(savedBody);
@@ -738,61 +743,106 @@ bool Engine::BuildCallCode(int slot) {
   return ok;
 }
 
+// The compiled body of slot for this mode, built once; null when it takes the step path.
+CompiledCode* Engine::CallCode(int slot, bool toolMode) {
+  if (callCache_.size() <= static_cast<size_t>(slot)) callCache_.resize(slot + 1);
+  std::unique_ptr<CompiledCode>& entry = callCache_[slot][toolMode ? 1 : 0];
+  if (!entry) {
+    auto built = std::make_unique<CompiledCode>();
+    if (!BuildCallCode(slot, *built)) return nullptr;
+    entry = std::move(built);
+  }
+  CompiledCode* c = entry.get();
+  if (c->running) {
+    // The same body again inside its own run (a sum in a function it calls): the running
+    // call keeps its stack, this one works on a copy kept for its depth.
+    while (callCopies_.size() <= static_cast<size_t>(evalDepth_)) callCopies_.push_back(std::make_unique<CompiledCode>());
+    CompiledCode& copy = *callCopies_[evalDepth_];
+    copy = *c;
+    copy.running = 0;
+    c = &copy;
+  }
+  return c;
+}
+
 double Engine::CallUserFunction(int slot, const double* args, int count) {
   if (evalDepth_ >= kMaxCallDepth) {
     Fail(10);
     return 0;
   }
-  bool toolMode = BindToX == 1 || IntegralBinding == 1;
-  bool cached = static_cast<size_t>(slot) < callCache_.size() && callCache_[slot] &&
-                callCache_[slot]->toolMode == toolMode;
-  if (cached || BuildCallCode(slot)) {
-    CompiledCode& c = *callCache_[slot];
-    IntegralCount = 0;  // what expanding the body's (absent) integrals leaves
+  if (CompiledCode* c = CallCode(slot, BindToX == 1 || IntegralBinding == 1)) {
     ErrorFlag = 0;
+    ++c->running;
     ++evalDepth_;
-    double r = Evaluator{*this}.Run(c, args);
+    double r = Evaluator{*this}.Run(*c, args);
     --evalDepth_;
+    --c->running;
     return r;
   }
+  return CallStepByStep(slot, args, count);
+}
 
-  // Step by step: recompile the body, substitute the arguments, fold, evaluate.
+// Recompiles the body, substitutes the arguments, folds, evaluates. The call may use the
+// integral table, the work slot and the bindings; the caller finds them as it left them.
+double Engine::CallStepByStep(int slot, const double* args, int count) {
+  if (CurrentSlot + 1 >= kSlotCount) {
+    Fail(10);
+    return 0;
+  }
   const FunctionHeader& f = FunctionTable[slot];
-  merida::Program saved = Program;
-  auto fail = [&]() {
-    Program = saved;
-    ErrorFlag = 1;
-    return 0.0;
-  };
+  merida::Program savedProgram = Program;
+  TokenList savedTokens = TokenTable[CurrentSlot];
+  std::string savedBody = BodyText;
+  auto savedTable = IntegralTable;
+  int16_t savedCount = IntegralCount, savedBinding = IntegralBinding;
+  double savedX = XValue;
+  MissingCall savedMissing = missingCall_;
+  missingCall_ = MissingCall::kNotFound;
+
+  double r = 0;
+  bool ok = false;
   BodyText = TokenTable[slot].joined();
-  if (ExpandIntegrals() < 0 || ExpandSigmas() < 0) return fail();
-  TokenizeBody();
-  if (ErrorFlag) return fail();
-  int16_t n = CompilePostfix(CurrentSlot);
-  if (ErrorFlag) return fail();
-  for (int j = 1; j <= f.ParamCount && j <= count; ++j) {
-    std::string text = PlainText(args[j - 1]);
-    for (int i = 1; i <= n; ++i) {
-      if (Program.cells_[i].Value == f.Param[j]) Program.cells_[i].Value = text;
-    }
-    for (int k = 1; k <= IntegralCount; ++k) {
-      IntegralEntry& e = IntegralTable[k];
-      for (std::string* field : {&e.LowerText, &e.UpperText, &e.FourthText}) {
-        if (*field == f.Param[j]) *field = text;
+  if (ExpandIntegrals() >= 0 && ExpandSigmas() >= 0 && !failed()) {
+    TokenizeBody();
+    int16_t n = ErrorFlag ? 0 : CompilePostfix(CurrentSlot);
+    if (!ErrorFlag) {
+      for (int j = 1; j <= f.ParamCount && j <= count; ++j) {
+        std::string text = PlainText(args[j - 1]);
+        for (int i = 1; i <= n; ++i) {
+          if (Program.cells_[i].Value == f.Param[j]) Program.cells_[i].Value = text;
+        }
+        for (int k = 1; k <= IntegralCount; ++k) {
+          IntegralEntry& e = IntegralTable[k];
+          for (std::string* field : {&e.LowerText, &e.UpperText, &e.FourthText}) {
+            if (*field == f.Param[j]) *field = text;
+          }
+        }
+      }
+      Touch();
+      n = ComputeIntegrals(n);
+      if (n >= 0) {
+        CurrentSlot += 1;
+        n = ComputeSigmas(n);
+        CurrentSlot -= 1;
+      }
+      if (n >= 0 && !failed()) {
+        r = EvaluateProgram(n);
+        ok = !failed();
       }
     }
   }
-  Touch();
-  n = ComputeIntegrals(n);
-  if (n < 0) return fail();
-  CurrentSlot += 1;
-  n = ComputeSigmas(n);
-  CurrentSlot -= 1;
-  if (n < 0) return fail();
-  double r = EvaluateProgram(n);
-  bool bad = failed();
-  Program = saved;
-  if (bad) ErrorFlag = 1;
+  missingCall_ = savedMissing;
+  Program = savedProgram;
+  TokenTable[CurrentSlot] = std::move(savedTokens);
+  BodyText = std::move(savedBody);
+  IntegralTable = std::move(savedTable);
+  IntegralCount = savedCount;
+  IntegralBinding = savedBinding;
+  XValue = savedX;
+  if (!ok) {
+    ErrorFlag = 1;
+    return 0;
+  }
   return r;
 }
 

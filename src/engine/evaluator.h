@@ -72,6 +72,7 @@ struct CompiledCode {
   std::vector<Instr> code;
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
+  int running = 0;              // calls of this code under way
   std::vector<VariableSlot> vars;
   // Run-time storage, sized once so that evaluating allocates nothing.
   std::array<double, kMaxTokens + 2> stack{};

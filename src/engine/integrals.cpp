@@ -39,6 +39,8 @@ int16_t Engine::ComputeEntries(int16_t n, bool sums) {
   if (!any) return n;
 
   merida::Program work = Program;  // the formula, folded step by step
+  // A sum inside a called function runs inside the caller's sum: leave the binding as found.
+  const int16_t bindingFound = IntegralBinding;
   IntegralBinding = 1;
   for (int i = 2; i <= n;) {
     if (work.cells_[i].Value != name) {
@@ -56,7 +58,7 @@ int16_t Engine::ComputeEntries(int16_t n, bool sums) {
       bool ok = sums ? ComputeSumEntry(entry) : ComputeIntegralEntry(entry);
       if (!ok) {
         Program = work;
-        IntegralBinding = -1;
+        IntegralBinding = bindingFound;
         return -1;
       }
       entry.State = 1;
@@ -71,7 +73,7 @@ int16_t Engine::ComputeEntries(int16_t n, bool sums) {
   }
   Program = work;
   Touch();
-  IntegralBinding = -1;
+  IntegralBinding = bindingFound;
   return n;
 }
 
@@ -169,6 +171,9 @@ bool Engine::ComputeSumEntry(IntegralEntry& entry) {
   int16_t n = ErrorFlag ? 0 : CompilePostfix(CurrentSlot);
   BodyText = std::move(savedBody);
   if (ErrorFlag) return false;
+  // An integral of the formula written inside the summand: its entry, computed once per run.
+  n = ComputeIntegrals(n);
+  if (n < 0 || failed()) return false;
 
   // Every free variable but the index is fixed before the loop.
   std::string index(Trim(entry.FourthText));

@@ -1,9 +1,11 @@
 // Number texts: fixed formats independent of the process locale.
 #include "engine/number_text.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 
 namespace merida {
@@ -48,7 +50,30 @@ size_t NumericPrefix(std::string_view s) {
   return i;
 }
 
-// Parses a complete numeric token (sign allowed); infinite on overflow.
+// The decimal exponent of an unsigned numeric token's value (1.5E3 gives 3, 0.02 gives -2),
+// saturated far beyond any double; the token is not zero. Out-of-range tokens are told apart
+// by it: the digits of the exponent alone say nothing when the mantissa has many zeros.
+int64_t DecimalExponent(std::string_view s) {
+  constexpr int64_t kSaturated = int64_t{1} << 40;
+  size_t e = s.find_first_of("eE");
+  std::string_view mantissa = s.substr(0, e);
+  int64_t exp10 = 0;
+  if (e != std::string_view::npos) {
+    size_t i = e + 1;
+    bool negative = i < s.size() && s[i] == '-';
+    if (i < s.size() && (s[i] == '+' || s[i] == '-')) ++i;
+    for (; i < s.size() && IsDigit(s[i]); ++i) exp10 = std::min(exp10 * 10 + (s[i] - '0'), kSaturated);
+    if (negative) exp10 = -exp10;
+  }
+  size_t point = mantissa.find('.');
+  if (point == std::string_view::npos) point = mantissa.size();
+  size_t lead = mantissa.find_first_not_of("0.");
+  if (lead == std::string_view::npos) return -kSaturated;  // all zeros: the value is 0
+  int64_t position = lead < point ? static_cast<int64_t>(point - lead) - 1 : -static_cast<int64_t>(lead - point);
+  return position + exp10;
+}
+
+// Parses a complete numeric token (sign allowed); infinite on overflow, 0 on underflow.
 double ParseToken(std::string_view s) {
   bool negative = false;
   if (!s.empty() && (s[0] == '+' || s[0] == '-')) {
@@ -57,15 +82,7 @@ double ParseToken(std::string_view s) {
   }
   double v = 0;
   auto r = std::from_chars(s.data(), s.data() + s.size(), v);
-  if (r.ec == std::errc::result_out_of_range) {
-    // from_chars leaves v untouched on range errors: tell overflow from underflow by the exponent.
-    size_t e = s.find_first_of("eE");
-    int exp10 = 0;
-    if (e != std::string_view::npos) std::from_chars(s.data() + e + 1 + (s[e + 1] == '+'), s.data() + s.size(), exp10);
-    size_t lead = s.find_first_not_of("0.");
-    bool tiny = exp10 < 0 || lead == std::string_view::npos;
-    v = tiny ? 0.0 : HUGE_VAL;
-  }
+  if (r.ec == std::errc::result_out_of_range) v = DecimalExponent(s) < 0 ? 0.0 : HUGE_VAL;
   return negative ? -v : v;
 }
 

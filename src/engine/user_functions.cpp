@@ -1,19 +1,68 @@
 // User functions: registering, listing, deleting, and the store text.
 #include <algorithm>
+#include <string_view>
 
 #include "engine/engine.h"
 #include "engine/number_text.h"
 
 namespace merida {
+namespace {
+
+std::vector<std::string> StoreLines(std::string_view text) {
+  std::vector<std::string> lines;
+  size_t pos = 0;
+  while (pos < text.size()) {
+    size_t end = text.find("\r\n", pos);
+    if (end == std::string_view::npos) end = text.size();
+    lines.emplace_back(text.substr(pos, end - pos));
+    pos = end + 2;
+  }
+  return lines;
+}
+
+// Integrals are lifted before sums, so an integral written inside a sum's arguments is held
+// there as integ(k): the sum's texts get the integral's arguments back.
+std::string WithIntegralsWrittenOut(std::string text, const std::array<IntegralEntry, kMaxIntegrals + 1>& table,
+                                    int count) {
+  size_t from = 0;
+  for (;;) {
+    size_t at = text.find("integ(", from);
+    if (at == std::string::npos) return text;
+    size_t open = at + 5, close = text.find(')', open);
+    if (close == std::string::npos) return text;
+    std::string_view number(text.data() + open + 1, close - open - 1);
+    auto k = ToInt16(ReadLenient(number));
+    bool digits = !number.empty() && std::all_of(number.begin(), number.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!digits || !k || *k < 1 || *k > count) {
+      from = open + 1;
+      continue;
+    }
+    const IntegralEntry& e = table[*k];
+    std::string arguments = e.Integrand + "," + e.LowerText + "," + e.UpperText + "," + e.FourthText;
+    text.replace(open + 1, close - open - 1, arguments);
+    from = open + 1 + arguments.size();
+  }
+}
+
+}  // namespace
 
 void Engine::ReinsertIntegralArguments(int slot) {
   TokenList& list = TokenTable[slot];
   for (const char* name : {"integ", "sgm"}) {
     for (int i = 1; i + 3 <= list.Count; ++i) {
-      if (list.Text[i] != name || list.Text[i + 1] != "(" || list.Text[i + 3] != ")") continue;
+      // The lifting found the name at the end of a word: "gsgm(" is a call of gsgm whose
+      // arguments were lifted all the same, and they must be written back.
+      if (!std::string_view(list.Text[i]).ends_with(name) || list.Text[i + 1] != "(" || list.Text[i + 3] != ")") {
+        continue;
+      }
       auto k = ToInt16(ReadLenient(list.Text[i + 2]));
       if (!IsNumeric(list.Text[i + 2]) || !k || *k < 1 || *k > IntegralCount) continue;
-      const IntegralEntry& e = IntegralTable[*k];
+      IntegralEntry e = IntegralTable[*k];
+      if (std::string_view(name) == "sgm") {
+        for (std::string* text : {&e.Integrand, &e.LowerText, &e.UpperText, &e.FourthText}) {
+          *text = WithIntegralsWrittenOut(std::move(*text), IntegralTable, IntegralCount);
+        }
+      }
       list.Text[i + 2] = e.Integrand;
       const std::string inserted[] = {",", e.LowerText, ",", e.UpperText, ",", e.FourthText};
       auto at = static_cast<std::ptrdiff_t>(i + 3);
@@ -54,6 +103,7 @@ bool Engine::RegisterFormula(std::string_view formulaBoxText) {
     Fail(9);
     return false;
   }
+  storeLines_[CurrentSlot].clear();
   CurrentSlot += 1;
   InvalidateCallCache();
   return true;
@@ -75,53 +125,126 @@ bool Engine::DeleteFunction(int k) {
   for (int s = k; s + 1 < CurrentSlot; ++s) {
     TokenTable[s] = std::move(TokenTable[s + 1]);
     FunctionTable[s] = std::move(FunctionTable[s + 1]);
+    storeLines_[s] = std::move(storeLines_[s + 1]);
   }
   CurrentSlot -= 1;
   TokenTable[CurrentSlot].clear();
   FunctionTable[CurrentSlot] = FunctionHeader{};
+  storeLines_[CurrentSlot].clear();
+  for (KeptLine& line : keptLines_) {
+    if (line.after >= k) line.after -= 1;
+  }
   InvalidateCallCache();
   return true;
 }
 
 std::string Engine::StoreText() const {
   std::string out;
-  for (int k = 1; k < CurrentSlot; ++k) {
-    std::string line = FunctionListLine(k);
-    std::replace(line.begin(), line.end(), ',', '@');  // the store never holds a comma
-    out += line + "\r\n";
+  size_t kept = 0;
+  for (int k = 0; k < CurrentSlot; ++k) {
+    if (k > 0 && !storeLines_[k].empty()) {
+      out += storeLines_[k] + "\r\n";
+    } else if (k > 0) {
+      std::string line = FunctionListLine(k);
+      std::replace(line.begin(), line.end(), ',', '@');  // the store never holds a comma
+      out += line + "\r\n";
+    }
+    for (; kept < keptLines_.size() && keptLines_[kept].after <= k; ++kept) out += keptLines_[kept].text + "\r\n";
   }
+  for (; kept < keptLines_.size(); ++kept) out += keptLines_[kept].text + "\r\n";
   return out;
 }
 
 void Engine::LoadStoreText(std::string_view text) {
   if (busy()) return;
+  const MissingCall savedMissing = missingCall_;
+  // A body may call a function that a later line defines, or that was deleted: it registers,
+  // and the call is error 4 while the function is missing.
+  missingCall_ = MissingCall::kKept;
+  bool full = false;
   size_t pos = 0;
   while (pos < text.size()) {
     size_t end = text.find('\n', pos);
     if (end == std::string_view::npos) end = text.size();
-    std::string line(text.substr(pos, end - pos));
+    std::string_view raw = text.substr(pos, end - pos);
     pos = end + 1;
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (Trim(line).empty()) continue;
-    if (CurrentSlot >= kMaxWorkSlot) {
-      Fail(9);  // the rest of the store cannot be registered
-      break;
+    if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
+    if (Trim(raw).empty()) continue;
+    // What cannot be registered stays in the store as the user wrote it.
+    auto keep = [&] { keptLines_.push_back(KeptLine{userFunctionCount(), std::string(raw)}); };
+    if (!CheckLength(raw)) {
+      keep();
+      continue;
     }
+    if (CurrentSlot >= kMaxWorkSlot) {
+      if (!full) Fail(9);
+      full = true;
+      keep();
+      continue;
+    }
+    std::string line(raw);
     std::replace(line.begin(), line.end(), '@', ',');
     BeginRun(-1, line);
     SplitFormula();
     // Integrals and sums are lifted as Rec does, so a stored body that holds them can be called.
-    if (ExpandIntegrals() < 0 || failed() || ExpandSigmas() < 0 || failed()) continue;
+    if (ExpandIntegrals() < 0 || failed() || ExpandSigmas() < 0 || failed()) {
+      keep();
+      continue;
+    }
     ParseHeader();
-    if (failed()) continue;
-    TokenizeBody();
-    if (failed()) continue;
+    if (!failed()) TokenizeBody();
+    if (failed()) {
+      keep();
+      continue;
+    }
     ReinsertIntegralArguments(CurrentSlot);
+    storeLines_[CurrentSlot] = std::string(raw);
     CurrentSlot += 1;
   }
+  missingCall_ = savedMissing;
   InvalidateCallCache();
   ErrorFlag = 0;
   BeginRun(-1, "");
+  storeBase_ = StoreLines(StoreText());
+}
+
+std::string Engine::MergedStoreText(std::string_view current) const {
+  std::string ours = StoreText();
+  // The file in the form this engine writes, so that equal lines compare equal.
+  SilentHost silent;
+  Engine normalised(silent);
+  normalised.LoadStoreText(current);
+  std::vector<std::string> theirs = StoreLines(normalised.StoreText());
+  if (theirs == storeBase_) return ours;
+  std::vector<std::string> mine = StoreLines(ours);
+  auto has = [](const std::vector<std::string>& lines, const std::string& line) {
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  };
+  std::string merged;
+  for (const std::string& line : theirs) {
+    if (!has(storeBase_, line) || has(mine, line)) merged += line + "\r\n";
+  }
+  for (const std::string& line : mine) {
+    if (!has(storeBase_, line) && !has(theirs, line)) merged += line + "\r\n";
+  }
+  return merged;
+}
+
+void Engine::StoreSaved(std::string_view text) {
+  if (busy()) return;
+  if (text != StoreText()) {
+    for (int k = 1; k < CurrentSlot; ++k) {
+      TokenTable[k].clear();
+      FunctionTable[k] = FunctionHeader{};
+      storeLines_[k].clear();
+    }
+    CurrentSlot = 1;
+    keptLines_.clear();
+    muted_ = true;
+    LoadStoreText(text);
+    muted_ = false;
+  }
+  storeBase_ = StoreLines(StoreText());
 }
 
 }  // namespace merida

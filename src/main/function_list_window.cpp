@@ -86,7 +86,10 @@ void FunctionListWindow::remove() {
 void FunctionListWindow::save() {
   std::error_code error;
   std::filesystem::path dir = std::filesystem::current_path(error);
-  if (!error && SaveUserFunctions(engine_, dir)) return;
+  if (!error && SaveUserFunctions(engine_, dir)) {
+    fill();  // the save may have merged in functions another program saved meanwhile
+    return;
+  }
   QMessageBox::warning(this, windowTitle(), tr("MERIDA.DAT could not be written."));
 }
 

@@ -19,6 +19,7 @@ int16_t ReadDisplayLanguage(const std::filesystem::path& dir, int16_t current) {
 }
 
 bool WriteDisplayLanguage(const std::filesystem::path& dir, int16_t language) {
+  FileLock lock(dir / "MERIDA.DEF");
   return WriteFileAtomically(dir / "MERIDA.DEF", language == kJapanese ? "Japanese\r\n" : "English\r\n");
 }
 
@@ -29,8 +30,14 @@ void LoadUserFunctions(Engine& engine, const std::filesystem::path& dir) {
   engine.LoadStoreText(*text);
 }
 
-bool SaveUserFunctions(const Engine& engine, const std::filesystem::path& dir) {
-  return WriteFileAtomically(dir / "MERIDA.DAT", engine.StoreText());
+bool SaveUserFunctions(Engine& engine, const std::filesystem::path& dir) {
+  const std::filesystem::path path = dir / "MERIDA.DAT";
+  FileLock lock(path);
+  auto current = ReadWholeFile(path);
+  std::string text = current ? engine.MergedStoreText(*current) : engine.StoreText();
+  if (!WriteFileAtomically(path, text)) return false;
+  engine.StoreSaved(text);
+  return true;
 }
 
 }  // namespace merida

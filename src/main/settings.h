@@ -16,7 +16,9 @@ bool WriteDisplayLanguage(const std::filesystem::path& dir, int16_t language);
 
 // Registers every function of MERIDA.DAT; a missing file loads nothing.
 void LoadUserFunctions(Engine& engine, const std::filesystem::path& dir);
-// Rewrites MERIDA.DAT atomically; false when it could not be written.
-bool SaveUserFunctions(const Engine& engine, const std::filesystem::path& dir);
+// Rewrites MERIDA.DAT atomically under a lock, merged with what other programs saved since
+// the engine loaded or saved (the engine then holds the merged functions); false when it
+// could not be written.
+bool SaveUserFunctions(Engine& engine, const std::filesystem::path& dir);
 
 }  // namespace merida

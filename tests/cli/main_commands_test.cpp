@@ -61,7 +61,7 @@ TEST_F(CliTest, RecListDelKeepTheStore) {
   EXPECT_EQ(none.out + none.err, "");
   EXPECT_EQ(RunCli({"del", "x"}).status, 2);
   auto gone = RunCli({"calc", "sq(3)"});
-  EXPECT_EQ(gone.err, "error 4: ユーザ関数が見つかりません\n");
+  EXPECT_EQ(gone.err, "error 22: 文法エラーです\n");
 }
 
 TEST_F(CliTest, BadStoreLinesAreReportedButDoNotFailTheCommand) {
@@ -70,6 +70,54 @@ TEST_F(CliTest, BadStoreLinesAreReportedButDoNotFailTheCommand) {
   EXPECT_EQ(r.out, "2\n");
   EXPECT_EQ(r.err, "error 7: このユーザ関数は既に登録されています\n");
   EXPECT_EQ(r.status, 0);
+}
+
+// Each row runs its commands in a fresh directory; the last command's output is checked.
+TEST(CliStore, SequencesOfCommands) {
+  struct Row {
+    std::vector<std::vector<std::string>> before;
+    std::vector<std::string> args;
+    std::string out, err;
+    int status;
+  };
+  const std::string noSuchName = "error 22: 文法エラーです\n";
+  const Row rows[] = {
+      {{{"rec", "h(n)=sgm(g(k),1,n,k)"}, {"rec", "g(x)=h(x-1)+1"}}, {"calc", "g(3)"}, "4\n", "", 0},
+      {{{"rec", "f(x)=integ(t,0,x,10)"}}, {"calc", "f(1)+integ(t^2,0,1,10)"}, "0.833333333333333\n", "", 0},
+      {{{"rec", "f(x)=integ(t,0,x,10)"}}, {"calc", "integ(f(t),0.5,1,10)"}, "0.145833333333333\n", "", 0},
+      {{{"rec", "s(n)=sgm(k,1,n,k)"}}, {"calc", "sgm(s(j),1,3,j)"}, "10\n", "", 0},
+      {{{"rec", "s(n)=sgm(k,1,n,k)"}}, {"calc", "integ(s(3)*x,0,1,10)"}, "3\n", "", 0},
+      {{{"rec", "f(x)=x+1"}, {"rec", "g(x)=f(x)*2"}, {"del", "1"}, {"rec", "f(x)=x+10"}},
+       {"list"}, "g(x)=f(x)*2\nf(x)=x+10\n", "", 0},
+      {{{"rec", "f(x)=x+1"}, {"rec", "g(x)=f(x)*2"}, {"del", "1"}}, {"calc", "g(1)"}, "",
+       "error 4: ユーザ関数が見つかりません\n", 1},
+      {{}, {"calc", "g(2)"}, "", noSuchName, 1},
+      {{}, {"calc", "--var", "x=1E-99999999999999999999", "x"}, "0\n", "", 0},
+      {{}, {"calc", "0." + std::string(330, '0') + "1"}, "0\n", "", 0},
+      {{}, {"rec", "g(x, )=x"}, "", "error 21: 変数名または関数名が正しくありません\n", 1},
+      {{}, {"rec", "f(x)=x+" + std::string(5000, 'a')}, "", "error 10: 式が長すぎます\n", 1},
+  };
+  for (const Row& r : rows) {
+    test::TempDirScope dir;
+    for (const auto& b : r.before) ASSERT_EQ(RunCli(b).status, 0) << b.back();
+    auto got = RunCli(r.args);
+    std::string label = r.args.back().substr(0, 40);
+    EXPECT_EQ(got.out, r.out) << label;
+    EXPECT_EQ(got.err, r.err) << label;
+    EXPECT_EQ(got.status, r.status) << label;
+  }
+}
+
+TEST_F(CliTest, AStoreLineThatCannotBeRegisteredSurvivesTheNextSave) {
+  std::ofstream("MERIDA.DAT", std::ios::binary) << "f(x@ )=x\r\n";
+  auto list = RunCli({"list"});
+  EXPECT_EQ(list.out, "");
+  EXPECT_EQ(list.err, "error 21: 変数名または関数名が正しくありません\n");
+  EXPECT_EQ(list.status, 0);
+  EXPECT_EQ(RunCli({"rec", "q(x)=x"}).status, 0);
+  std::ifstream in("MERIDA.DAT", std::ios::binary);
+  std::string stored((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(stored, "f(x@ )=x\r\nq(x)=x\r\n");
 }
 
 }  // namespace

@@ -13,7 +13,15 @@ struct Case {
   int line;
   std::string formula, expected;
   std::vector<std::string> replies;
+  std::vector<std::string> functions;  // registered before the formula is computed
 };
+
+std::vector<std::string> SplitBars(const std::string& text) {
+  std::vector<std::string> parts;
+  std::stringstream s(text);
+  for (std::string part; std::getline(s, part, '|');) parts.push_back(part);
+  return parts;
+}
 
 std::vector<Case> ReadCases() {
   std::ifstream in(std::string(MERIDA_TEST_DATA) + "/formulas.tsv");
@@ -25,11 +33,9 @@ std::vector<Case> ReadCases() {
     std::stringstream ss(row);
     for (std::string col; std::getline(ss, col, '\t');) cols.push_back(col);
     if (cols.size() < 2) continue;
-    Case c{line, cols[0], cols[1], {}};
-    if (cols.size() > 2) {
-      std::stringstream rs(cols[2]);
-      for (std::string r; std::getline(rs, r, '|');) c.replies.push_back(r);
-    }
+    Case c{line, cols[0], cols[1], {}, {}};
+    if (cols.size() > 2) c.replies = SplitBars(cols[2]);
+    if (cols.size() > 3) c.functions = SplitBars(cols[3]);
     cases.push_back(c);
   }
   return cases;
@@ -43,6 +49,7 @@ TEST(Formulas, TableOfCalcResults) {
     test::RecordingHost host;
     for (const auto& r : c.replies) host.answers.push_back(r);
     Engine engine(host);
+    for (const auto& f : c.functions) EXPECT_TRUE(engine.RegisterFormula(f)) << f;
     auto answer = Calc(engine, c.formula);
     std::string got;
     if (answer) got = *answer;

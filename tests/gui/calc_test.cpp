@@ -69,7 +69,7 @@ INSTANTIATE_TEST_SUITE_P(MainWindow, CalcError,
                                            ErrorCase{"ln(0)", "0,負のlogは不可です"},
                                            ErrorCase{"asin(2)", "逆ｻｲﾝ、ｺｻｲﾝの範囲は、-1～1です"},
                                            ErrorCase{"(1+2", "括弧の個数が合いません"},
-                                           ErrorCase{"nofunc(2)", "ユーザ関数が見つかりません"}));
+                                           ErrorCase{"nofunc(2)", "文法エラーです"}));
 
 class CalcFault : public GuiTest, public ::testing::WithParamInterface<const char*> {};
 

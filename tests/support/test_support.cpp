@@ -10,7 +10,7 @@
 
 namespace merida::test {
 
-void TempDirTest::SetUp() {
+TempDirScope::TempDirScope() {
   previous_ = std::filesystem::current_path();
   std::random_device rd;
   dir_ = std::filesystem::temp_directory_path() / ("merida-test-" + std::to_string(::getpid()) + "-" + std::to_string(rd()));
@@ -18,7 +18,7 @@ void TempDirTest::SetUp() {
   std::filesystem::current_path(dir_);
 }
 
-void TempDirTest::TearDown() {
+TempDirScope::~TempDirScope() {
   std::filesystem::current_path(previous_);
   std::error_code ec;
   std::filesystem::remove_all(dir_, ec);

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,13 +14,30 @@
 
 namespace merida::test {
 
-// Runs each test in a fresh temporary directory (the program's files live in the current one).
-class TempDirTest : public ::testing::Test {
- protected:
-  void SetUp() override;
-  void TearDown() override;
+// A fresh temporary current directory for its lifetime (the program's files live in the current one).
+class TempDirScope {
+ public:
+  TempDirScope();
+  ~TempDirScope();
+  TempDirScope(const TempDirScope&) = delete;
+  TempDirScope& operator=(const TempDirScope&) = delete;
+  const std::filesystem::path& dir() const { return dir_; }
+
+ private:
   std::filesystem::path dir_;
   std::filesystem::path previous_;
+};
+
+// Runs each test in a fresh temporary directory.
+class TempDirTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    scope_.emplace();
+    dir_ = scope_->dir();
+  }
+  void TearDown() override { scope_.reset(); }
+  std::optional<TempDirScope> scope_;
+  std::filesystem::path dir_;
 };
 
 // Answers input boxes from a queue (nullopt entries cancel) and records errors and faults.

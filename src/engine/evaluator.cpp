@@ -707,7 +707,7 @@ double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const i
   reg[0] = x;
   reg[1] = c.usesRounded ? Round15(x) : 0;
   for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = values[k];
-  double r;
+  double r = 0;
   bool overflow = true;
   if (c.lean.empty() || x == 0) {
     r = Evaluator{*this}.Run(c, nullptr, values);

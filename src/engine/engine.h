@@ -164,6 +164,17 @@ class Engine {
   // The two must agree to the bit; tests compare them.
   void setLeanCode(bool on);
 
+  // One point of a tool run that puts numbers into cells of `saved` at every point: cell i
+  // (1..saved.n) loads values[cellRegister[i]] when that is >= 0. `code` is the caller's,
+  // built when first used or stale, so a point allocates nothing. Each value must be the
+  // finite number its cell's 15-digit text reads back as (Round15); the result, errors and
+  // faults are then those of writing the texts into the cells.
+  double EvaluateBound(CompiledCode& code, const SavedProgram& saved, const int16_t* cellRegister,
+                       const double* values, double x);
+  // Off: tools write number texts into the cells at every point (the reference for tests).
+  void setBoundCells(bool on) { boundCells_ = on; }
+  bool boundCells() const { return boundCells_; }
+
   // True while an evaluation, integral or sum is under way (a window may be handling events
   // inside it); registering and deleting functions wait until it ends.
   bool busy() const { return busyDepth_ > 0; }
@@ -237,6 +248,7 @@ class Engine {
   uint64_t leanIdentity_ = ~uint64_t{0};
   bool leanCode_ = true;
   int16_t leanN_ = 0;
+  bool boundCells_ = true;
   bool muted_ = false;  // trial compilations show no messages
   // What a word followed by "(" that names no function is: a syntax error in a new formula,
   // error 4 in a registered body (its function was deleted), a call kept by the loader.

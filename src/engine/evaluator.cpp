@@ -1,6 +1,7 @@
 // Evaluation: operand rules, the stack machine, user-function calls, constant texts.
 #include "engine/evaluator.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -49,6 +50,11 @@ void Fuse(std::vector<Instr>& code, bool toolMode) {
       case Op::kMul: fused = Op::kMulR; break;
       case Op::kDiv: fused = Op::kDivR; break;
       case Op::kPowInt: prev.op = Op::kRPowInt; prev.arg = op.arg; code.pop_back(); return;
+      case Op::kPow:
+        if (prev.count < kFirstBoundRegister) return;
+        prev.op = Op::kPowB;
+        code.pop_back();
+        return;
       default: return;
     }
     prev.op = fused;
@@ -206,13 +212,17 @@ struct Evaluator {
   Engine& e;
 
   // Turns the program cells 1..n into flat code. `params` (may be null) marks a user
-  // function's parameters, which become kParam cells.
-  void Build(CompiledCode& c, int16_t n, const FunctionHeader* params, bool toolMode) {
+  // function's parameters, which become kParam cells. `cellRegister` (may be null) marks the
+  // cells bound to registers: cell i loads bound value cellRegister[i] when that is >= 0.
+  void Build(CompiledCode& c, int16_t n, const FunctionHeader* params, bool toolMode,
+             const int16_t* cellRegister = nullptr) {
     c.identity = e.Program.identity_;
     c.n = n;
     c.functionsVersion = e.functionsVersion_;
     c.toolMode = toolMode;
     c.usesRounded = false;
+    c.leanAllowed = e.leanCode_;
+    c.boundCount = 0;
     c.code.clear();
     c.vars.clear();
     std::vector<Instr>& code = c.code;
@@ -230,7 +240,11 @@ struct Evaluator {
             if (params->Param[j] == t) param = j;
           }
         }
-        if (param) {
+        if (cellRegister && cellRegister[i] >= 0) {
+          // The cell is a number that changes from point to point: a register, not a constant.
+          in = Instr{Op::kPushR, Builtin::kNone, 0, static_cast<int16_t>(kFirstBoundRegister + cellRegister[i])};
+          c.boundCount = std::max<int16_t>(c.boundCount, static_cast<int16_t>(cellRegister[i] + 1));
+        } else if (param) {
           in = Instr{Op::kParam, Builtin::kNone, static_cast<int16_t>(param - 1)};
         } else if (t == "PI") {
           in = Instr{Op::kConst, Builtin::kNone, 0, 0, kPiValue};
@@ -294,27 +308,28 @@ struct Evaluator {
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
   }
 
-  // Lean code over the registers x and x read back. x = 0 never comes here, so a term's
-  // power needs no care for the sign of zero.
-  double RunLean(CompiledCode& c, const double r0, const double r1) {
+  // Lean code over the registers: x, x read back, the bound values. x = 0 never comes here
+  // and bound values are never -0 (their texts read "0"), so a term's power needs no care
+  // for the sign of zero.
+  double RunLean(CompiledCode& c, const double* reg) {
     double* const base = c.stack.data();
     double* sp = base;
     double top = 0;
-    auto term = [r0, r1](const LeanInstr& p) { return IntPower(p.reg ? r1 : r0, p.k) * p.c; };
+    auto term = [reg](const LeanInstr& p) { return IntPower(reg[p.reg], p.k) * p.c; };
     // Values, not references: top and sp must stay in registers.
 #define LEAN_FAIL(code, fault) LeanFailed(code, fault, top, base, sp)
     for (const LeanInstr* p = c.lean.data();; ++p) {
       switch (p->op) {
         case LeanOp::kPushC: *++sp = top; top = p->c; continue;
-        case LeanOp::kPushReg: *++sp = top; top = p->reg ? r1 : r0; continue;
+        case LeanOp::kPushReg: *++sp = top; top = reg[p->reg]; continue;
         case LeanOp::kPushTerm: *++sp = top; top = term(*p); continue;
         case LeanOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
         case LeanOp::kAddTerm: top = top + term(*p); continue;
         case LeanOp::kSubTerm: top = top - term(*p); continue;
         case LeanOp::kMulTerm: top = top * term(*p); continue;
         case LeanOp::kDivReg:
-          if ((p->reg ? r1 : r0) == 0) return LEAN_FAIL(11, nullptr);
-          top = top / (p->reg ? r1 : r0);
+          if (reg[p->reg] == 0) return LEAN_FAIL(11, nullptr);
+          top = top / reg[p->reg];
           continue;
         case LeanOp::kAddC: top = top + p->c; continue;
         case LeanOp::kSubC: top = top - p->c; continue;
@@ -416,11 +431,15 @@ struct Evaluator {
 
   // The stack machine. `top` holds the top value and is also the value last produced,
   // which a stopped run gives its variables; below it, the stack grows upward from slot 1.
-  [[gnu::hot, gnu::always_inline]] inline double Run(CompiledCode& c, const double* args) {
+  // `bound` holds the values of the bound registers (may be null when the code has none).
+  [[gnu::hot, gnu::always_inline]] inline double Run(CompiledCode& c, const double* args,
+                                                     const double* bound = nullptr) {
     double* sp = c.stack.data();
     double top = 0;
-    double reg[2] = {e.XValue, 0};
-    if (c.usesRounded) reg[1] = Round15(reg[0]);
+    double reg[kRegisterCount];
+    reg[0] = e.XValue;
+    reg[1] = c.usesRounded ? Round15(reg[0]) : 0;
+    for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = bound[k];
     if (!c.varBound.empty()) std::fill(c.varBound.begin(), c.varBound.end(), 0);
     for (const Instr& in : c.code) {
       switch (in.op) {
@@ -496,6 +515,31 @@ struct Evaluator {
           if (r.status) return Status(r);
           top = r.value;
           continue;
+        }
+        case Op::kPowB: {
+          const double b = reg[in.count];
+          if (b != std::floor(b) || std::fabs(b) > 32767) {
+            Applied r = Power(top, b);
+            if (r.status) return Status(r);
+            top = r.value;
+            continue;
+          }
+          const int k = static_cast<int>(b);
+          if (k == 0) {
+            top = 1;
+            continue;
+          }
+          if (top == 0) continue;
+          double r = IntPower(top, k < 0 ? -k : k);
+          if (k < 0) {
+            if (r == 0) {
+              Fault("Division by zero");
+              return 0;
+            }
+            r = 1 / r;
+          }
+          top = r;
+          break;
         }
         case Op::kUnary: {
           // The common functions inline; the rest (and every domain error) go the long way.
@@ -588,8 +632,13 @@ double Engine::EvaluateProgram(int16_t n) {
   }
   ++evalDepth_;
   ++busyDepth_;
-  double r = c.lean.empty() || XValue == 0 ? ev.Run(c, nullptr)
-                                           : ev.RunLean(c, XValue, c.usesRounded ? Round15(XValue) : 0);
+  double r;
+  if (c.lean.empty() || XValue == 0) {
+    r = ev.Run(c, nullptr);
+  } else {
+    const double reg[2] = {XValue, c.usesRounded ? Round15(XValue) : 0};
+    r = ev.RunLean(c, reg);
+  }
   --busyDepth_;
   --evalDepth_;
   return r;
@@ -599,10 +648,10 @@ namespace {
 
 // Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
 // it can fail before the end, where non-finite means an overflow somewhere on the way.
-double RunTerms(const LeanInstr* p, const double r0, const double r1, bool& overflow) {
-  auto term = [r0, r1](const LeanInstr& q) { return IntPower(q.reg ? r1 : r0, q.k) * q.c; };
+double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
+  auto term = [reg](const LeanInstr& q) { return IntPower(reg[q.reg], q.k) * q.c; };
   double top = p->op == LeanOp::kPushC      ? p->c
-               : p->op == LeanOp::kPushReg  ? (p->reg ? r1 : r0)
+               : p->op == LeanOp::kPushReg  ? reg[p->reg]
                : p->op == LeanOp::kPushTerm ? term(*p)
                                             : 0.0 - term(*p);
   for (++p;; ++p) {
@@ -629,13 +678,46 @@ double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
   CompiledCode& c = *code_[0];
-  const double r1 = c.usesRounded ? Round15(x) : 0;
+  const double reg[2] = {x, c.usesRounded ? Round15(x) : 0};
   if (c.termsOnly) {
     bool overflow;
-    double y = RunTerms(c.lean.data(), x, r1, overflow);
+    double y = RunTerms(c.lean.data(), reg, overflow);
     if (!overflow) [[likely]] return y;
   }
-  return Evaluator{*this}.RunLean(c, x, r1);
+  return Evaluator{*this}.RunLean(c, reg);
+}
+
+double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const int16_t* cellRegister,
+                             const double* values, double x) {
+  ErrorFlag = 0;
+  XValue = x;
+  if (evalDepth_ >= kMaxCallDepth) {
+    Fail(10);
+    return 0;
+  }
+  const bool toolMode = BindToX == 1 || IntegralBinding == 1;
+  if (c.identity != saved.program.identity_ || c.n != saved.n || c.functionsVersion != functionsVersion_ ||
+      c.toolMode != toolMode || c.leanAllowed != leanCode_) [[unlikely]] {
+    RestoreProgram(saved);
+    Evaluator{*this}.Build(c, saved.n, nullptr, toolMode, cellRegister);
+  }
+  ++evalDepth_;
+  ++busyDepth_;
+  double reg[kRegisterCount];
+  reg[0] = x;
+  reg[1] = c.usesRounded ? Round15(x) : 0;
+  for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = values[k];
+  double r = 0;
+  bool overflow = true;
+  if (c.lean.empty() || x == 0) {
+    r = Evaluator{*this}.Run(c, nullptr, values);
+  } else {
+    if (c.termsOnly) r = RunTerms(c.lean.data(), reg, overflow);
+    if (overflow) r = Evaluator{*this}.RunLean(c, reg);
+  }
+  --busyDepth_;
+  --evalDepth_;
+  return r;
 }
 
 double Engine::EvaluateAtSlow(const SavedProgram& saved, double x) {

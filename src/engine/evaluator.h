@@ -24,6 +24,9 @@ enum class Op : uint8_t {
   kPushR, kAddR, kSubR, kMulR, kDivR,
   kRPowInt,  // push register^arg
   kCMulR,    // push value * register
+  // Registers 2 and up hold bound cells: numbers a tool puts into named cells at every point.
+  kPowB,     // top ^ bound register: an integral exponent in 16 bits takes the integral power,
+             // as the number cell it stands for would have been fused into kPowInt
   kUnary, kBinary, kRandom,
   kCall,     // user function: slot in `arg`, parameter count in `count`
   kError,    // reaching this cell is error `arg`
@@ -63,6 +66,10 @@ struct VariableSlot {
   double unboundValue = 0;  // what a linked cell reads when the first cell kept its name
 };
 
+constexpr int kFirstBoundRegister = 2;
+constexpr int kMaxBoundCells = 32;  // values a tool binds per point (more take the text path)
+constexpr int kRegisterCount = kFirstBoundRegister + kMaxBoundCells;
+
 struct CompiledCode {
   uint64_t identity = ~uint64_t{0};
   int16_t n = -1;
@@ -72,6 +79,8 @@ struct CompiledCode {
   std::vector<Instr> code;
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
+  bool leanAllowed = true;      // the engine's lean switch when this was built
+  int16_t boundCount = 0;       // bound registers the code reads
   int running = 0;              // calls of this code under way
   std::vector<VariableSlot> vars;
   // Run-time storage, sized once so that evaluating allocates nothing.

@@ -1,7 +1,10 @@
 // Compile once, keep the SavedProgram, evaluate point by point: the loop of every tool window.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -22,7 +25,8 @@ enum class PointStatus {
 
 class FormulaSampler {
  public:
-  explicit FormulaSampler(Engine& engine) : engine_(engine) {}
+  explicit FormulaSampler(Engine& engine);
+  ~FormulaSampler();
 
   // The tool-window compile sequence on a formula box text (BindToX = 1): split, integrals,
   // sums (unless `withSums` is false), header, tokens, postfix, integrals folded, variables
@@ -36,8 +40,8 @@ class FormulaSampler {
   // f at x: the saved program put back, sums folded at x, evaluated at x.
   PointStatus at(double x, double& y);
 
-  // A second saved copy in which every cell of `name` is a number cell holding `value` (its
-  // 15-digit text); atSubstituted evaluates that copy with the remaining variable at x.
+  // Every cell of `name` holds `value` as a number cell (its 15-digit text); atSubstituted
+  // evaluates the formula so with the remaining variable at x.
   void substitute(std::string_view name, double value);
   PointStatus atSubstituted(double x, double& y);
 
@@ -63,6 +67,16 @@ class FormulaSampler {
   PointStatus evaluateProgram(int16_t n, double& y);
   void restoreSums();
 
+  // Bound cells: the substituted cells load their numbers from registers, and the code is
+  // built once per layout instead of at every point. The texts are the fallback wherever
+  // the engine switch is off, sums are folded per point, or a value has no finite read-back.
+  enum class Binding : uint8_t { kNone, kSubstitute, kValues, kFolded };
+  bool bindingUsable() const;
+  void setBinding(Binding kind, std::string_view name);
+  void layFolded(std::string_view name);
+  PointStatus evaluateBound(const SavedProgram& program, double x, double& y);
+  void substituteTexts();
+
   Engine& engine_;
   SavedProgram saved_;
   SavedProgram substituted_;
@@ -75,6 +89,18 @@ class FormulaSampler {
   bool hasSums_ = false;
   std::array<IntegralEntry, kMaxIntegrals + 1> sums_;
   int16_t sumCount_ = 0;
+
+  std::unique_ptr<CompiledCode> boundCode_;
+  Binding binding_ = Binding::kNone;
+  std::string bindingName_;
+  std::array<int16_t, kMaxTokens + 1> cellRegister_{};  // per cell: its value's index, or -1
+  std::vector<double> boundValues_;                      // the point's values, read back
+  std::string substitutedName_;
+  double substitutedValue_ = 0;
+  bool substitutedBound_ = false;  // the last substitute() went to the registers
+  SavedProgram folded_;            // the pairs folded into cells, once (atFolded)
+  std::vector<double> foldKeys_;   // each pair's k, in the order they fold
+  bool foldBound_ = false;
 };
 
 // The end of a tool run after an arithmetic fault: BindToX = -1, StopRequested = 1.

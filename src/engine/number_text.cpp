@@ -132,12 +132,11 @@ double ProductError(double a, double t, int q) {
   return ((ah * ph - t) + ah * pl + al * ph) + al * pl;
 }
 
+// Read back as the number texts read: a text beyond the largest double is infinite.
 double Round15Slow(double v) {
   char buf[64];
   auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
-  double out = 0;
-  std::from_chars(buf, r.ptr, out);
-  return out;
+  return ParseToken(std::string_view(buf, static_cast<size_t>(r.ptr - buf)));
 }
 
 }  // namespace
@@ -225,7 +224,10 @@ double Round15Tie(double a, double t, double whole, double frac, int places) {
 double Round15Rare(double v) {
   uint64_t bits = std::bit_cast<uint64_t>(v);
   int biased = static_cast<int>((bits >> 52) & 0x7FF);
-  if (biased == 0 || biased == 0x7FF) return v == 0 ? 0.0 : v;
+  if (v == 0) return 0.0;  // "0", also for -0
+  if (biased == 0x7FF) return v;
+  // A subnormal has fewer than 15 digits' worth of bits, but its text still drops some.
+  if (biased == 0) return Round15Slow(v);
   int exp2 = biased - 1023;  // v = 1.f * 2^exp2
   double a = std::fabs(v);
   if (a < 1e-7 || a >= 1e35) return Round15Slow(v);

@@ -198,6 +198,23 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
   return r;
 }
 
+// top^k for a whole k, as the integral power instructions compute it; false when a negative k
+// meets a power that underflowed to 0.
+[[gnu::always_inline]] inline bool WholePower(double& top, int k) {
+  if (k == 0) {
+    top = 1;
+    return true;
+  }
+  if (top == 0) return true;  // 0^k is 0, also for negative k
+  double r = IntPower(top, k < 0 ? -k : k);
+  if (k < 0) {
+    if (r == 0) return false;
+    r = 1 / r;
+  }
+  top = r;
+  return true;
+}
+
 uint64_t SplitMix(uint64_t& s) {
   uint64_t z = (s += 0x9E3779B97F4A7C15ull);
   z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
@@ -492,24 +509,12 @@ struct Evaluator {
           *++sp = top;
           top = reg[in.count];
           [[fallthrough]];
-        case Op::kPowInt: {
-          int k = in.arg;
-          if (k == 0) {
-            top = 1;
-            continue;
+        case Op::kPowInt:
+          if (!WholePower(top, in.arg)) {
+            Fault("Division by zero");
+            return 0;
           }
-          if (top == 0) continue;  // 0^k is 0, also for negative k
-          double r = IntPower(top, k < 0 ? -k : k);
-          if (k < 0) {
-            if (r == 0) {
-              Fault("Division by zero");
-              return 0;
-            }
-            r = 1 / r;
-          }
-          top = r;
           break;
-        }
         case Op::kPow: {
           Applied r = Power(*sp--, top);
           if (r.status) return Status(r);
@@ -524,21 +529,10 @@ struct Evaluator {
             top = r.value;
             continue;
           }
-          const int k = static_cast<int>(b);
-          if (k == 0) {
-            top = 1;
-            continue;
+          if (!WholePower(top, static_cast<int>(b))) {
+            Fault("Division by zero");
+            return 0;
           }
-          if (top == 0) continue;
-          double r = IntPower(top, k < 0 ? -k : k);
-          if (k < 0) {
-            if (r == 0) {
-              Fault("Division by zero");
-              return 0;
-            }
-            r = 1 / r;
-          }
-          top = r;
           break;
         }
         case Op::kUnary: {

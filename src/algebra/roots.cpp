@@ -219,6 +219,10 @@ double RoundToHundredths(double v) {
   return t / 100;
 }
 
+std::string PolynomialBoxText(double x, bool integer) {
+  return std::string(TrimLeft(ListText(integer ? RoundToHundredths(x) : x)));
+}
+
 RootResult SearchRoots(Engine& engine, AppState& state, std::string_view formula, const RootBoxes& boxes, bool graph,
                        bool integer) {
   RootResult r;

@@ -42,6 +42,9 @@ constexpr int kMaxRoots = 50;
 // Rounds to hundredths, halves away from zero, at any magnitude.
 double RoundToHundredths(double v);
 
+// The text a double click on a listed root puts into the Polynomial box: no leading blank.
+std::string PolynomialBoxText(double x, bool integer);
+
 // Go: the roots of `formula` on [Min, Max]; `integer` rounds the listed roots to hundredths.
 RootResult SearchRoots(Engine& engine, AppState& state, std::string_view formula, const RootBoxes& boxes,
                        bool graph, bool integer);

@@ -63,6 +63,7 @@ std::optional<Range> ReadRange(Engine& engine, AppState& state, const RootBoxes&
   std::optional<double> judge = ReadNumber(boxes.judge);
   if (!judge) return std::nullopt;
   g.judge = *judge;
+  r.judge = *judge;
   g.h = (g.end - g.start) / g.n;
   if (!std::isfinite(g.h)) {
     r.end = RootEnd::kFault;
@@ -292,7 +293,7 @@ RootResult SearchIntersections(Engine& engine, AppState& state, std::string_view
   RunScan(engine, *g, r, sample, bisect, line, onRoot);
   if (rootStatus == PointStatus::kFault && r.end == RootEnd::kListed) {
     EndRunOnFault(engine);
-    r = RootResult{RootEnd::kFault, {}, {}, {}, {}, {}, r.numBox};
+    r = RootResult{RootEnd::kFault, {}, {}, {}, {}, {}, r.numBox, r.judge};
   }
   return r;
 }

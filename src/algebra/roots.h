@@ -35,6 +35,7 @@ struct RootResult {
   std::vector<double> rootX, rootY;
   std::vector<ChartPoint> curve1, curve2;  // the samples, when the Graph box is ticked
   std::optional<std::string> numBox;       // new text of Text3 when the count was capped
+  std::optional<double> judge;             // the judge value read, which Seek goes on to use
 };
 
 constexpr int kMaxRoots = 50;

@@ -177,9 +177,9 @@ std::string PowerTerms(const Polynomial& p, bool zeros) {
     if (c == 0 && !zeros) continue;
     if ((zeros ? c >= 0 : c > 0) && i != p.degree) s += '+';
     if (c == 1) s += p.varName;
-    else if (c == -1) s += "-" + p.varName;
-    else s += Text(c) + "*" + p.varName;
-    if (i > 1) s += "^" + std::to_string(i);
+    else if (c == -1) s.append("-").append(p.varName);
+    else s.append(Text(c)).append("*").append(p.varName);
+    if (i > 1) s.append("^").append(std::to_string(i));
   }
   return s;
 }
@@ -189,7 +189,7 @@ std::string PowerTerms(const Polynomial& p, bool zeros) {
 std::string ExpandText(const Polynomial& p) {
   std::string s = PowerTerms(p, false);
   const double c = p.coef[0];
-  if (c > 0) s += "+" + Text(c);
+  if (c > 0) s.append("+").append(Text(c));
   else if (c < 0) s += Text(c);
   return s;
 }
@@ -206,15 +206,15 @@ std::string FactorListText(std::string_view varName, const std::vector<PolyFacto
   for (size_t k = 0; k < factors.size(); ++k) {
     const PolyFactor& f = factors[k];
     s += k == 0 ? "(" : "*(";
-    if (f.a == 1) s += v + "^2";
-    else if (f.a == -1) s += "-" + v + "^2";
-    else if (f.a != 0) s += Text(f.a) + "*" + v + "^2";
+    if (f.a == 1) s.append(v).append("^2");
+    else if (f.a == -1) s.append("-").append(v).append("^2");
+    else if (f.a != 0) s.append(Text(f.a)).append("*").append(v).append("^2");
     const std::string plus = f.a != 0 ? "+" : "";
-    if (f.b == 1) s += plus + v;
-    else if (f.b > 0) s += plus + Text(f.b) + "*" + v;
-    else if (f.b == -1) s += "-" + v;
-    else if (f.b < 0) s += Text(f.b) + "*" + v;
-    if (f.c > 0) s += "+" + Text(f.c);
+    if (f.b == 1) s.append(plus).append(v);
+    else if (f.b > 0) s.append(plus).append(Text(f.b)).append("*").append(v);
+    else if (f.b == -1) s.append("-").append(v);
+    else if (f.b < 0) s.append(Text(f.b)).append("*").append(v);
+    if (f.c > 0) s.append("+").append(Text(f.c));
     else if (f.c < 0) s += Text(f.c);
     s += ")";
   }

@@ -27,6 +27,9 @@ int RunExpand(Context&, const std::vector<std::string>&);
 int RunArrange(Context&, const std::vector<std::string>&);
 int RunSeek(Context&, const std::vector<std::string>&);
 int RunFactor(Context&, const std::vector<std::string>&);
+int RunWave(Context&, const std::vector<std::string>&);
+int RunLoad(Context&, const std::vector<std::string>&);
+int RunDisplay(Context&, const std::vector<std::string>&);
 int RunDiff(Context&, const std::vector<std::string>&);
 int RunOde(Context&, const std::vector<std::string>&);
 
@@ -50,6 +53,9 @@ constexpr CommandEntry kCommands[] = {
     {"arrange", "arrange FORMULA", RunArrange},
     {"seek", "seek [--integer] [--tolerance T] [--judge J] FORMULA", RunSeek},
     {"factor", "factor [--coeff] [--integer] [--tolerance T] [--root V]... FORMULA", RunFactor},
+    {"wave", "wave [--mrd] --from T0 --to T1 [--name FILE] FORMULA", RunWave},
+    {"load", "load [--rows] FILE", RunLoad},
+    {"display", "display FILE", RunDisplay},
     {"delay", "delay --steps N --init V1,V2,...,VK FORMULA", RunDelay},
     {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
     {"diff", "diff [--order 2] --width H --min A --max B FORMULA", RunDiff},

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "dozen_builtins.h"
 #include "engine/atomic_file.h"
 #include "signal/data_files.h"
 #include "signal/wave_maker.h"
@@ -20,14 +21,8 @@ namespace {
 
 using namespace merida;
 
-constexpr const char* kFormula =
-    "sin(x)+cos(2*x)+tan(x/40)+exp(0-x/10)+ln(x+1)+log(x+2)+sqr(x)+abs(x-5)+sinh(x/9)-cosh(x/9)+atan(x)*tanh(x)";
-
-double F(double x) {
-  return std::sin(x) + std::cos(2 * x) + std::tan(x / 40) + std::exp(0 - x / 10) + std::log(x + 1) +
-         std::log10(x + 2) + std::sqrt(x) + std::fabs(x - 5) + std::sinh(x / 9) - std::cosh(x / 9) +
-         std::atan(x) * std::tanh(x);
-}
+using bench::DozenBuiltins;
+using bench::kDozenBuiltins;
 
 std::filesystem::path Dir() {
   static const std::filesystem::path dir = [] {
@@ -43,7 +38,7 @@ void BM_WaveFromFormula(benchmark::State& st) {
   Engine engine(host);
   engine.ResetEngine();
   for (auto _ : st) {
-    WaveResult r = MakeWave(engine, kFormula, {"0.1", "1.1", "bench.wav"}, false, Dir());
+    WaveResult r = MakeWave(engine, kDozenBuiltins, {"0.1", "1.1", "bench.wav"}, false, Dir());
     if (r.end != WaveEnd::kWritten) st.SkipWithError("no file written");
   }
 }
@@ -54,7 +49,7 @@ void BM_WaveHandWritten(benchmark::State& st) {
   for (auto _ : st) {
     const int n = 11025;
     std::vector<float> s(n);
-    for (int i = 0; i < n; ++i) s[i] = static_cast<float>(F(0.1 + i / 11025.0));
+    for (int i = 0; i < n; ++i) s[i] = static_cast<float>(DozenBuiltins(0.1 + i / 11025.0));
     auto [lo, hi] = std::minmax_element(s.begin(), s.end());
     const double min = *lo, max = *hi;
     std::vector<uint8_t> bytes(n);

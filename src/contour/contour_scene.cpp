@@ -128,8 +128,8 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
   }
   for (double y : Ticks(g.yMin, g.yMax)) {
     const MapPoint at = p.at((y - g.yMin) / g.dy, 0, g.zMin);
-    w.line(at, {at.x - kTick, at.y + kTick}, kBlack, true);
-    w.text({at.x - 1.5 * kTick, at.y + 1.5 * kTick}, Label(y), 1, -1);
+    w.line(at, {at.x - kTick, at.y}, kBlack, true);
+    w.text({at.x - 1.5 * kTick, at.y}, Label(y), 1, 0);
   }
   for (double z : Ticks(g.zMin, g.zMax)) {
     const MapPoint at = p.at(0, 0, z);

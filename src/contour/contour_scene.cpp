@@ -142,25 +142,24 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
   w.text({zEnd.x, zEnd.y - 2 * kTick}, "z", 0, 1);
 }
 
-// The surface's rectangle, (-0.5, -0.5) to (W + 0.5, H + 0.5), widened where obtuse angles
-// carry the box outside it.
+// The surface's rectangle, (-0.5, -0.5) to (W + 0.5, H + 0.5), widened where the box comes
+// nearer its edge than a quarter (obtuse angles carry it outside).
 void SurfaceView(const ContourGrid& g, const Projection& p, MapScene& scene) {
-  double left = 0, top = 0, right = p.width(), bottom = p.height();
+  constexpr double kRoom = 0.25;
+  scene.left = scene.top = -0.5;
+  scene.right = p.width() + 0.5;
+  scene.bottom = p.height() + 0.5;
   for (int i : {0, g.ny}) {
     for (int j : {0, g.nx}) {
       for (double z : {g.zMin, g.zMax}) {
         const MapPoint c = p.at(i, j, z);
-        left = std::min(left, c.x);
-        right = std::max(right, c.x);
-        top = std::min(top, c.y);
-        bottom = std::max(bottom, c.y);
+        scene.left = std::min(scene.left, c.x - kRoom);
+        scene.right = std::max(scene.right, c.x + kRoom);
+        scene.top = std::min(scene.top, c.y - kRoom);
+        scene.bottom = std::max(scene.bottom, c.y + kRoom);
       }
     }
   }
-  scene.left = left - 0.5;
-  scene.top = top - 0.5;
-  scene.right = right + 0.5;
-  scene.bottom = bottom + 0.5;
 }
 
 void DrawMesh(const ContourGrid& g, const Projection& p, SceneWriter& w) {

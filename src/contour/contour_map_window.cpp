@@ -178,7 +178,7 @@ void ContourMapWindow::askAndSave() {
   if (!path.endsWith(QLatin1String(".png"), Qt::CaseInsensitive) && !path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) {
     path += QStringLiteral(".png");
   }
-  if (!saveImage(path)) QMessageBox::warning(this, windowTitle(), tr("The image could not be written."));
+  if (!saveImage(path)) QMessageBox::warning(this, windowTitle(), tr("The file could not be written."));
 }
 
 void ContourMapWindow::closeEvent(QCloseEvent* event) {

@@ -127,6 +127,7 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
     w.text({at.x, at.y + 1.5 * kTick}, Label(x), 0, -1);
   }
   for (double y : Ticks(g.yMin, g.yMax)) {
+    if (y == g.yMin) continue;  // the origin's place is taken by the x and z labels
     const MapPoint at = p.at((y - g.yMin) / g.dy, 0, g.zMin);
     w.line(at, {at.x - kTick, at.y}, kBlack, true);
     w.text({at.x - 1.5 * kTick, at.y}, Label(y), 1, 0);
@@ -136,10 +137,15 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
     w.line(at, {at.x - kTick, at.y}, kBlack, true);
     w.text({at.x - 1.5 * kTick, at.y}, Label(z), 1, 0);
   }
-  const MapPoint xEnd = p.at(0, g.nx, g.zMin), yEnd = p.at(g.ny, 0, g.zMin), zEnd = p.at(0, 0, g.zMax);
-  w.text({xEnd.x + 2 * kTick, xEnd.y}, "x", -1, 0);
-  w.text({yEnd.x - 2 * kTick, yEnd.y}, "y", 1, 0);
-  w.text({zEnd.x, zEnd.y - 2 * kTick}, "z", 0, 1);
+  // Each name a little beyond its axis' end, clear of the tick labels beside the axis.
+  auto name = [&](MapPoint end, const char* text) {
+    const double dx = end.x - origin.x, dy = end.y - origin.y, length = std::hypot(dx, dy);
+    const double k = length > 0 ? 4 * kTick / length : 0;
+    w.text({end.x + dx * k, end.y + dy * k - (length > 0 ? 0 : 4 * kTick)}, text, 0, 0);
+  };
+  name(p.at(0, g.nx, g.zMin), "x");
+  name(p.at(g.ny, 0, g.zMin), "y");
+  name(p.at(0, 0, g.zMax), "z");
 }
 
 // The surface's rectangle, (-0.5, -0.5) to (W + 0.5, H + 0.5), widened where the box comes

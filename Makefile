@@ -45,6 +45,7 @@ bench:
 	./build/bench/bench/signal_bench
 	./build/bench/bench/graph_chart_bench
 	./build/bench/bench/diff_bench
+	./build/bench/bench/contour_bench
 	bench/primes_vs_primesieve.sh build/bench/merida-cli
 
 clean:

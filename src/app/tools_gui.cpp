@@ -9,6 +9,7 @@
 #include "calculus/delay_window.h"
 #include "calculus/diff_window.h"
 #include "calculus/integration_window.h"
+#include "contour/contour_window.h"
 #include "graph/graph_tools_gui.h"
 #include "graph/graph_window.h"
 #include "graph/parameter_window.h"
@@ -66,6 +67,7 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   main.setToolOpener(7, Opener<IntegrationWindow>([=] { return new IntegrationWindow(*e, *s, mainFormula, m); }));
   main.setToolOpener(14, Opener<DelayWindow>([=] { return new DelayWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(9, Opener<DiffWindow>([=] { return new DiffWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
+  main.setToolOpener(11, Opener<ContourWindow>([=] { return new ContourWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
 }
 

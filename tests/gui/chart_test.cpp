@@ -20,35 +20,9 @@
 namespace merida {
 namespace {
 
-class ChartTest : public ::testing::Test {
+class ChartTest : public test::GraphWindowFixture {
  protected:
-  ChartTest() : engine(host) {
-    engine.ResetEngine();
-    window = OpenGraphWindow(&owner, engine, state, [this] { return formula; });
-  }
-
-  void plot(QPushButton* button, const QString& f, const QString& a, const QString& b, const QString& n) {
-    formula = f;
-    window->Text1->setText(a);
-    window->Text2->setText(b);
-    window->Text3->setText(n);
-    QTest::mouseClick(button, Qt::LeftButton);
-    Settle();
-  }
-
-  // Lets the chart lay itself out after a draw or a resize.
-  static void Settle() {
-    for (int k = 0; k < 5; ++k) QCoreApplication::processEvents();
-  }
-
   QValueAxis* xAxis() const { return window->Graph1->horizontalAxis(); }
-
-  test::GuiTestHost host;
-  Engine engine;
-  AppState state;
-  QString formula;
-  QWidget owner;
-  GraphWindow* window = nullptr;
 };
 
 // The drawn unit circle's width over its height, in pixels.
@@ -77,12 +51,10 @@ void ExpectRoundAtEverySize(GraphWindow* window) {
   }
 }
 
-TEST_F(ChartTest, PolarCircleIsRound) {
+TEST_F(ChartTest, PolarAndParametricCirclesAreRound) {
   plot(window->Command5, "1", "0", "2*PI", "72");
+  EXPECT_EQ(state.GraphMode, 2);
   ExpectRoundAtEverySize(window);
-}
-
-TEST_F(ChartTest, ParametricCircleIsRound) {
   plot(window->Command4, "cos(t)", "0", "2*PI", "60");
   window->parameterWindow()->Text2->setText("sin(t)");
   QTest::mouseClick(window->Command4, Qt::LeftButton);
@@ -154,8 +126,7 @@ TEST_P(LogRange, LogKeepsTheHorizontalAxisOfGo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Formulas, LogRange,
-                         ::testing::Values(LogCase{"x", "-5", "5"}, LogCase{"4-x", "-5.5", "5.5"},
-                                           LogCase{"x^3-8", "-6", "6"}, LogCase{"exp(x)", "-6", "6"}));
+                         ::testing::Values(LogCase{"4-x", "-5.5", "5.5"}, LogCase{"x^3-8", "-6", "6"}));
 
 // The texts of the axis labels the chart shows.
 QStringList VisibleLabels(ChartWidget* chart) {
@@ -188,8 +159,7 @@ TEST_P(LogLabels, EveryDecadeHasItsLabel) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ranges, LogLabels,
-                         ::testing::Values(DecadeCase{"10^x", "0", "3", {"1", "10", "100", "1000"}},
-                                           DecadeCase{"10^x", "-2", "1", {"0.01", "0.1", "1", "10"}},
+                         ::testing::Values(DecadeCase{"10^x", "-2", "1", {"0.01", "0.1", "1", "10"}},
                                            DecadeCase{"x^2", "1", "30", {"1", "10", "100", "1000"}},
                                            DecadeCase{"exp(x)", "-3", "3", {"0.01", "0.1", "1", "10", "100"}}));
 

@@ -73,4 +73,20 @@ struct CliResult {
 };
 CliResult RunCli(const std::vector<std::string>& args, const std::string& input = "");
 
+// One merida-cli run and what it must print: exit status, standard output, and standard error
+// (exactly, or only its start when errIsPrefix).
+struct CliCase {
+  const char* name;
+  std::vector<std::string> args;
+  int status;
+  std::string out, err;
+  bool errIsPrefix = false;
+};
+inline void PrintTo(const CliCase& c, std::ostream* os) { *os << c.name; }
+void ExpectCli(const CliCase& c);
+
+// Runs each CliCase parameter in a fresh directory.
+class CliCaseTest : public TempDirTest, public ::testing::WithParamInterface<CliCase> {};
+inline std::string CliCaseName(const ::testing::TestParamInfo<CliCase>& p) { return p.param.name; }
+
 }  // namespace merida::test

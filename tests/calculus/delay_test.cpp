@@ -12,20 +12,13 @@
 namespace merida {
 namespace {
 
-class DelayTest : public ::testing::Test {
+class DelayTest : public test::EngineTest {
  protected:
-  DelayTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-  }
   std::vector<double> values(const DelayResult& r) {
     std::vector<double> out;
     for (const ChartPoint& p : r.points) out.push_back(p.y);
     return out;
   }
-  test::StoppingHost host;
-  Engine engine;
-  AppState state;
 };
 
 struct DelayCase {

@@ -11,18 +11,8 @@
 namespace merida {
 namespace {
 
-using test::StoppingHost;
 
-class IntegrationTest : public ::testing::Test {
- protected:
-  IntegrationTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-  }
-  StoppingHost host;
-  Engine engine;
-  AppState state;
-};
+using IntegrationTest = test::EngineTest;
 
 constexpr double kAny = NAN;  // the value is checked by its own test
 

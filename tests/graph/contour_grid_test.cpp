@@ -11,15 +11,7 @@
 namespace merida {
 namespace {
 
-class ContourGridTest : public ::testing::Test {
- protected:
-  ContourGridTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-  }
-  test::StoppingHost host;
-  Engine engine;
-};
+using ContourGridTest = test::EngineTest;
 
 TEST_F(ContourGridTest, GridHoldsTheFormulaAtEveryNode) {
   GridResult r = EvaluateGrid(engine, "x*10+y^2", GridBoxes{"-1", "2", "3", "0", "1", "4"});

@@ -11,22 +11,12 @@
 namespace merida {
 namespace {
 
-using test::StoppingHost;
-
-class GraphPlotTest : public ::testing::Test {
+class GraphPlotTest : public test::EngineTest {
  protected:
-  GraphPlotTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-    PrepareGraphDefaults(engine, state);
-  }
+  GraphPlotTest() { PrepareGraphDefaults(engine, state); }
   PlotResult go(const std::string& f, const std::string& a, const std::string& b, const std::string& n) {
     return PlotGo(engine, state, f, GraphBoxes{a, b, n});
   }
-
-  StoppingHost host;
-  Engine engine;
-  AppState state;
 };
 
 struct NormalCase {

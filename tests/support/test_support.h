@@ -11,6 +11,7 @@
 
 #include "engine/engine.h"
 #include "engine/host.h"
+#include "main/app_state.h"
 
 namespace merida::test {
 
@@ -64,6 +65,18 @@ class StoppingHost : public RecordingHost {
     RecordingHost::processEvents();
     if (engine && eventsProcessed == stopAt) engine->StopRequested = 1;
   }
+};
+
+// A reset engine as a tool window finds it, whose host stops it at event number host.stopAt.
+class EngineTest : public ::testing::Test {
+ protected:
+  EngineTest() : engine(host) {
+    host.engine = &engine;
+    engine.ResetEngine();
+  }
+  StoppingHost host;
+  Engine engine;
+  AppState state;
 };
 
 // Runs merida-cli with arguments and standard input; captures output and exit status.

@@ -33,6 +33,8 @@ INSTANTIATE_TEST_SUITE_P(
         CliCase{"DerivativeOfANegativeFormula", {"diff", "--width", "0.5", "--min", "0", "--max", "0.5", "-t"}, 0,
                 "0.5 -1\n1 -1\n", ""},
         CliCase{"DiffTwoVariables", {"diff", "--width", "1", "--min", "0", "--max", "3", "x*y"}, 1, "", kError27},
+        CliCase{"DiffWidthZeroEndsSilently", {"diff", "--width", "0", "--min", "0", "--max", "3", "x"}, 1, "", ""},
+        CliCase{"DiffMissingWidth", {"diff", "--min", "0", "--max", "3", "x"}, 2, "", kDiffUsage},
         CliCase{"DiffOrderThree", {"diff", "--order", "3", "--width", "1", "--min", "0", "--max", "3", "x"}, 2, "",
                 kDiffUsage},
         CliCase{"Simple", {"ode", "--var", "y", "--width", "1", "--min", "0", "--max", "2", "--init", "0", "x"}, 0,

@@ -27,6 +27,7 @@ TEST_F(CliTest, CalcPrintsAnswersErrorsAndFaults) {
       {{"calc", "integ(x,1,0,10)"}, "", "", "", 1},
       {{"calc"}, "", "", "usage: merida-cli calc [--var NAME=VALUE]... FORMULA\n", 2},
       {{"calc", "--var", "x", "1"}, "", "", "usage: merida-cli calc [--var NAME=VALUE]... FORMULA\n", 2},
+      {{"calc", "1", "2"}, "", "", "usage: merida-cli calc [--var NAME=VALUE]... FORMULA\n", 2},
       {{"frobnicate"}, "", "", "merida-cli: unknown command 'frobnicate'\n", 2},
   };
   for (const Row& r : rows) {

@@ -13,18 +13,12 @@
 namespace merida {
 namespace {
 
-class PolynomialTest : public ::testing::Test {
+class PolynomialTest : public test::EngineTest {
  protected:
-  PolynomialTest() : engine(host), tools(engine) {
-    host.engine = &engine;
-    engine.ResetEngine();
-    tools.seedRandom(20261123);
-  }
+  PolynomialTest() : tools(engine) { tools.seedRandom(20261123); }
   PolyResult seek(const std::string& f, bool roundOn = false, double judge = 1e-7) {
     return tools.seek(f, "1E-05", judge, roundOn);
   }
-  test::StoppingHost host;
-  Engine engine;
   PolynomialTools tools;
 };
 

@@ -10,18 +10,11 @@
 namespace merida {
 namespace {
 
-class RootsTest : public ::testing::Test {
+class RootsTest : public test::EngineTest {
  protected:
-  RootsTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-  }
   RootResult go(const char* f, RootBoxes b, bool graph = false, bool integer = false) {
     return SearchRoots(engine, state, f, b, graph, integer);
   }
-  test::StoppingHost host;
-  Engine engine;
-  AppState state;
 };
 
 TEST_F(RootsTest, BisectedRootsLieWithinTheJudgedDistance) {

@@ -12,17 +12,13 @@
 namespace merida {
 namespace {
 
-class DelayTest : public ::testing::Test {
+class DelayTest : public test::EngineTest {
  protected:
-  DelayTest() : engine(host) { engine.ResetEngine(); }
   std::vector<double> values(const DelayResult& r) {
     std::vector<double> out;
     for (const ChartPoint& p : r.points) out.push_back(p.y);
     return out;
   }
-  test::RecordingHost host;
-  Engine engine;
-  AppState state;
 };
 
 struct DelayCase {
@@ -89,20 +85,8 @@ TEST_F(DelayTest, StepsAboveTheCapMakeSixThousandPointsAndRecordTheFirstFiveThou
   EXPECT_EQ(RunDelay(engine, state, "timestep(1)", "1E+9", {"0"}).stepBox, "6000");
 }
 
-class StopAfter : public test::RecordingHost {
- public:
-  Engine* engine = nullptr;
-  void processEvents() override {
-    if (++eventsProcessed == 4) engine->StopRequested = 1;
-  }
-};
-
-TEST(DelayStopTest, CloseEndsTheRunAfterTheCurrentStep) {
-  StopAfter host;
-  Engine engine(host);
-  host.engine = &engine;
-  engine.ResetEngine();
-  AppState state;
+TEST_F(DelayTest, CloseEndsTheRunAfterTheCurrentStep) {
+  host.stopAt = 4;
   DelayResult r = RunDelay(engine, state, "timestep(1)+1", "100", {"0"});
   EXPECT_EQ(r.end, DelayEnd::kStopped);
   EXPECT_EQ(r.points.size(), 5u);

@@ -12,23 +12,14 @@
 namespace merida {
 namespace {
 
-using test::StoppingHost;
-
-class DifferentialTest : public ::testing::Test {
+class DifferentialTest : public test::EngineTest {
  protected:
-  DifferentialTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-    OpenDiffWindow(engine, state);
-  }
+  DifferentialTest() { OpenDiffWindow(engine, state); }
   // Diff Equation mode, the simple method or Runge-Kutta.
   void equationMode(bool rungeKutta) {
     SelectDiffEquationOption(state);
     ClickRungeKutta(state, rungeKutta);
   }
-  StoppingHost host;
-  Engine engine;
-  AppState state;
 };
 
 DiffBoxes Boxes(const char* var, const char* width, const char* min, const char* max, const char* init = "",

@@ -64,12 +64,11 @@ TEST_F(GraphCliTest, ErrorsSilentEndsFaultsAndUsage) {
       {{"graph", "--min", "0", "--max", "1", "--num", "2", "x*y"}, 1, "error 24: "},
       {{"graph", "--min", "0", "--max", "2", "--num", "4", "1/(x-1)"}, 1, "error 11: "},
       {{"graph", "--min", "1", "--max", "0", "--num", "2", "x"}, 1, ""},
-      {{"graph", "--min", "0", "--max", "1", "--num", "abc", "x"}, 1, ""},
       {{"graph", "--min", "10", "--max", "20", "--num", "10", "x!"}, 3, "fault: "},
       {{"graph", "--min", "0", "--max", "1", "x"}, 2, "usage: "},
       {{"graph", "--min", "0", "--max", "1", "--num", "2"}, 2, "usage: "},
-      {{"graph", "--min", "0", "--max", "1", "--num", "2", "--polar", "--param", "t", "t"}, 2, "usage: "},
       {{"graph", "--min", "0", "--max", "1", "--num", "2", "x", "x"}, 2, "usage: "},
+      {{"graph", "--min", "0", "--max", "1", "--num", "2", "--polar", "--param", "t", "t"}, 2, "usage: "},
       {{"graph", "--min", "0", "--max", "1", "--num", "2", "--bogus", "x"}, 2, "usage: "},
   };
   for (const Case& c : cases) {

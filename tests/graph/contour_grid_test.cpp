@@ -11,27 +11,7 @@
 namespace merida {
 namespace {
 
-using test::RecordingHost;
-
-class StopAfterRows : public RecordingHost {
- public:
-  Engine* engine = nullptr;
-  int rows = -1;
-  void processEvents() override {
-    RecordingHost::processEvents();
-    if (engine && eventsProcessed == rows) engine->StopRequested = 1;
-  }
-};
-
-class ContourGridTest : public ::testing::Test {
- protected:
-  ContourGridTest() : engine(host) {
-    host.engine = &engine;
-    engine.ResetEngine();
-  }
-  StopAfterRows host;
-  Engine engine;
-};
+using ContourGridTest = test::EngineTest;
 
 TEST_F(ContourGridTest, GridHoldsTheFormulaAtEveryNode) {
   GridResult r = EvaluateGrid(engine, "x*10+y^2", GridBoxes{"-1", "2", "3", "0", "1", "4"});
@@ -112,7 +92,7 @@ TEST_F(ContourGridTest, OverflowEndsQuietly) {
 }
 
 TEST_F(ContourGridTest, StopRequestEndsAfterTheRow) {
-  host.rows = 3;
+  host.stopAt = 3;
   GridResult r = EvaluateGrid(engine, "x+y", GridBoxes{"0", "1", "10", "0", "1", "10"});
   EXPECT_EQ(r.end, GridEnd::kStopped);
   EXPECT_EQ(host.eventsProcessed, 3);

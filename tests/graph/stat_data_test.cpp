@@ -165,18 +165,6 @@ TEST(StatDataTest, MemoryReadsEveryCellLeniently) {
 
 class OrbitaFileTest : public test::TempDirTest {};
 
-TEST_F(OrbitaFileTest, WritesTagDimensionCountAndCellsAsTyped) {
-  RecordFunctionTable t;
-  StatData d(t, false);
-  d.enterDimension("2");
-  d.enterCount("3");
-  for (const char* s : {"1", "2", "3", "4", "5", "6"}) d.enterValue(s);
-  ASSERT_TRUE(d.writeFile(dir_));
-  std::optional<std::string> text = ReadWholeFile(dir_ / "ORBITA.ORB");
-  ASSERT_TRUE(text);
-  EXPECT_EQ(*text, "ORBITA\r\n2\r\n3\r\n1\r\n2\r\n3\r\n4\r\n5\r\n6\r\n");
-}
-
 TEST_F(OrbitaFileTest, FileReadsBackLineByLine) {
   RecordFunctionTable t;
   StatData d(t, false);

@@ -31,59 +31,35 @@ TEST_P(CalcFlow, ShowsTheAnswerAndAsksForEachVariable) {
 
 INSTANTIATE_TEST_SUITE_P(
     MainWindow, CalcFlow,
-    ::testing::Values(CalcCase{"1+2", {}, "3", {}}, CalcCase{"1/3", {}, "0.333333333333333", {}},
-                      CalcCase{"2^100", {}, "1.26765060022823E+30", {}}, CalcCase{"-5", {}, "-5", {}},
-                      CalcCase{"   2*3", {}, "6", {}}, CalcCase{"x*2", {"4"}, "8", {"x"}},
-                      CalcCase{"f(x)=x+1", {"2"}, "3", {"x"}},
-                      CalcCase{"x*4", {"PI/4"}, "3.14159265358979", {"x"}},
-                      CalcCase{"a-b", {"10", "3"}, "7", {"a", "b"}}, CalcCase{"x*2", {""}, "", {"x"}},
-                      CalcCase{"a+b", {"1", ""}, "", {"a", "b"}}));
+    ::testing::Values(CalcCase{"1/3", {}, "0.333333333333333", {}}, CalcCase{"x*2", {"4"}, "8", {"x"}},
+                      CalcCase{"a-b", {"10", "3"}, "7", {"a", "b"}}, CalcCase{"a+b", {"1", ""}, "", {"a", "b"}}));
 
-TEST_F(GuiTest, HeaderOfACalcIsNotRegistered) {
+TEST_F(GuiTest, HeaderOfACalcIsAskedForButNotRegistered) {
   start();
-  replies_ = {"1"};
-  EXPECT_EQ(calc("f(x)=x+1"), "2");
+  replies_ = {"2"};
+  EXPECT_EQ(calc("f(x)=x+1"), "3");
+  EXPECT_EQ(prompts_, std::vector<std::string>{"x"});
   EXPECT_EQ(engine().userFunctionCount(), 0);
 }
 
-struct ErrorCase {
-  const char* formula;
-  const char* message;
-};
-
-void PrintTo(const ErrorCase& c, std::ostream* out) { *out << '"' << c.formula << '"'; }
-
-class CalcError : public GuiTest, public ::testing::WithParamInterface<ErrorCase> {};
-
-TEST_P(CalcError, LeavesTheAnswerEmptyAndShowsTheMessage) {
-  start();
-  EXPECT_EQ(calc("1+1"), "2");
-  EXPECT_EQ(calc(QString::fromUtf8(GetParam().formula)), "");
-  EXPECT_EQ(errorText().toStdString(), GetParam().message);
-  EXPECT_TRUE(faults_.empty());
+TEST_F(GuiTest, AnErrorLeavesTheAnswerEmptyAndShowsTheMessage) {
+  for (auto [formula, message] : {std::pair{"1/0", "0で割ることは不可です"}, std::pair{"(1+2", "括弧の個数が合いません"}}) {
+    start();
+    EXPECT_EQ(calc("1+1"), "2");
+    EXPECT_EQ(calc(QString::fromUtf8(formula)), "");
+    EXPECT_EQ(errorText().toStdString(), message);
+    EXPECT_TRUE(faults_.empty());
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(MainWindow, CalcError,
-                         ::testing::Values(ErrorCase{"1/0", "0で割ることは不可です"},
-                                           ErrorCase{"sqr(-1)", "負の平方根は不可です"},
-                                           ErrorCase{"ln(0)", "0,負のlogは不可です"},
-                                           ErrorCase{"asin(2)", "逆ｻｲﾝ、ｺｻｲﾝの範囲は、-1～1です"},
-                                           ErrorCase{"(1+2", "括弧の個数が合いません"},
-                                           ErrorCase{"nofunc(2)", "文法エラーです"}));
-
-class CalcFault : public GuiTest, public ::testing::WithParamInterface<const char*> {};
-
-TEST_P(CalcFault, ShowsTheFaultOnceAndNoAnswer) {
+TEST_F(GuiTest, AFaultShowsOnceAndNoAnswer) {
   start();
-  EXPECT_EQ(calc(QString::fromUtf8(GetParam())), "");
+  EXPECT_EQ(calc("13!"), "");
   EXPECT_EQ(faults_.size(), 1u);
   EXPECT_EQ(errorText(), QString());
-  // The next Calc works normally.
-  EXPECT_EQ(calc("2+2"), "4");
+  EXPECT_EQ(calc("2+2"), "4");  // the next Calc works normally
   EXPECT_EQ(faults_.size(), 1u);
 }
-
-INSTANTIATE_TEST_SUITE_P(MainWindow, CalcFault, ::testing::Values("13!", "1E300*1E300", "perm(40,20)"));
 
 TEST_F(GuiTest, EnterInTheFormulaBoxRunsCalcAndKeepsTheFocus) {
   start();

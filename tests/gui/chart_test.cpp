@@ -9,6 +9,7 @@
 #include <QTest>
 #include <QValueAxis>
 #include <cmath>
+#include <tuple>
 
 #include "dark_palette.h"
 #include "graph/graph_tools_gui.h"
@@ -20,35 +21,9 @@
 namespace merida {
 namespace {
 
-class ChartTest : public ::testing::Test {
+class ChartTest : public test::GraphWindowFixture {
  protected:
-  ChartTest() : engine(host) {
-    engine.ResetEngine();
-    window = OpenGraphWindow(&owner, engine, state, [this] { return formula; });
-  }
-
-  void plot(QPushButton* button, const QString& f, const QString& a, const QString& b, const QString& n) {
-    formula = f;
-    window->Text1->setText(a);
-    window->Text2->setText(b);
-    window->Text3->setText(n);
-    QTest::mouseClick(button, Qt::LeftButton);
-    Settle();
-  }
-
-  // Lets the chart lay itself out after a draw or a resize.
-  static void Settle() {
-    for (int k = 0; k < 5; ++k) QCoreApplication::processEvents();
-  }
-
   QValueAxis* xAxis() const { return window->Graph1->horizontalAxis(); }
-
-  test::GuiTestHost host;
-  Engine engine;
-  AppState state;
-  QString formula;
-  QWidget owner;
-  GraphWindow* window = nullptr;
 };
 
 // The drawn unit circle's width over its height, in pixels.
@@ -77,12 +52,10 @@ void ExpectRoundAtEverySize(GraphWindow* window) {
   }
 }
 
-TEST_F(ChartTest, PolarCircleIsRound) {
+TEST_F(ChartTest, PolarAndParametricCirclesAreRound) {
   plot(window->Command5, "1", "0", "2*PI", "72");
+  EXPECT_EQ(state.GraphMode, 2);
   ExpectRoundAtEverySize(window);
-}
-
-TEST_F(ChartTest, ParametricCircleIsRound) {
   plot(window->Command4, "cos(t)", "0", "2*PI", "60");
   window->parameterWindow()->Text2->setText("sin(t)");
   QTest::mouseClick(window->Command4, Qt::LeftButton);
@@ -132,30 +105,18 @@ TEST(EqualScaleChart, DegenerateSetsKeepFiniteAxesAroundThePoints) {
   }
 }
 
-struct LogCase {
-  const char* formula;
-  const char* start;
-  const char* end;
-};
-
-void PrintTo(const LogCase& c, std::ostream* out) { *out << c.formula << " over " << c.start << ".." << c.end; }
-
-class LogRange : public ChartTest, public ::testing::WithParamInterface<LogCase> {};
-
-TEST_P(LogRange, LogKeepsTheHorizontalAxisOfGo) {
-  const LogCase& c = GetParam();
-  plot(window->Command1, c.formula, c.start, c.end, "48");
-  const double min = xAxis()->min(), max = xAxis()->max();
-  QTest::mouseClick(window->Command3, Qt::LeftButton);
-  Settle();
-  ASSERT_EQ(window->Graph1->graphType(), ChartWidget::Type::kLogLin);
-  EXPECT_EQ(xAxis()->min(), min);
-  EXPECT_EQ(xAxis()->max(), max);
+TEST_F(ChartTest, LogKeepsTheHorizontalAxisOfGo) {
+  for (auto [f, start, end] : {std::tuple{"4-x", "-5.5", "5.5"}, std::tuple{"x^3-8", "-6", "6"}}) {
+    SCOPED_TRACE(f);
+    plot(window->Command1, f, start, end, "48");
+    const double min = xAxis()->min(), max = xAxis()->max();
+    QTest::mouseClick(window->Command3, Qt::LeftButton);
+    Settle();
+    ASSERT_EQ(window->Graph1->graphType(), ChartWidget::Type::kLogLin);
+    EXPECT_EQ(xAxis()->min(), min);
+    EXPECT_EQ(xAxis()->max(), max);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Formulas, LogRange,
-                         ::testing::Values(LogCase{"x", "-5", "5"}, LogCase{"4-x", "-5.5", "5.5"},
-                                           LogCase{"x^3-8", "-6", "6"}, LogCase{"exp(x)", "-6", "6"}));
 
 // The texts of the axis labels the chart shows.
 QStringList VisibleLabels(ChartWidget* chart) {
@@ -167,31 +128,23 @@ QStringList VisibleLabels(ChartWidget* chart) {
   return labels;
 }
 
-struct DecadeCase {
-  const char* formula;
-  const char* start;
-  const char* end;
-  QStringList decades;
-};
-
-void PrintTo(const DecadeCase& c, std::ostream* out) { *out << c.formula << " over " << c.start << ".." << c.end; }
-
-class LogLabels : public ChartTest, public ::testing::WithParamInterface<DecadeCase> {};
-
-TEST_P(LogLabels, EveryDecadeHasItsLabel) {
-  const DecadeCase& c = GetParam();
-  plot(window->Command1, c.formula, c.start, c.end, "30");
-  QTest::mouseClick(window->Command3, Qt::LeftButton);
-  Settle();
-  const QStringList shown = VisibleLabels(window->Graph1);
-  for (const QString& decade : c.decades) EXPECT_TRUE(shown.contains(decade)) << decade.toStdString();
+TEST_F(ChartTest, EveryDecadeOfALogAxisHasItsLabel) {
+  struct Case {
+    const char *formula, *start, *end;
+    QStringList decades;
+  };
+  for (const Case& c : {Case{"10^x", "-2", "1", {"0.01", "0.1", "1", "10"}},
+                        Case{"x^2", "1", "30", {"1", "10", "100", "1000"}},
+                        Case{"exp(x)", "-3", "3", {"0.01", "0.1", "1", "10", "100"}}}) {
+    plot(window->Command1, c.formula, c.start, c.end, "30");
+    QTest::mouseClick(window->Command3, Qt::LeftButton);
+    Settle();
+    const QStringList shown = VisibleLabels(window->Graph1);
+    for (const QString& decade : c.decades) {
+      EXPECT_TRUE(shown.contains(decade)) << c.formula << " " << decade.toStdString();
+    }
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Ranges, LogLabels,
-                         ::testing::Values(DecadeCase{"10^x", "0", "3", {"1", "10", "100", "1000"}},
-                                           DecadeCase{"10^x", "-2", "1", {"0.01", "0.1", "1", "10"}},
-                                           DecadeCase{"x^2", "1", "30", {"1", "10", "100", "1000"}},
-                                           DecadeCase{"exp(x)", "-3", "3", {"0.01", "0.1", "1", "10", "100"}}));
 
 // The colour of the widget's own pixel at `at`, as drawn.
 QColor PixelAt(QWidget* w, QPoint at) { return w->grab().toImage().pixelColor(at); }

@@ -14,17 +14,16 @@ TEST_F(GuiTest, TwoErrorsInARowKeepTheFirstMessage) {
   EXPECT_EQ(errorText(), "0で割ることは不可です");
 }
 
-TEST_F(GuiTest, AfterOkTheNextErrorShowsItsOwnMessage) {
+TEST_F(GuiTest, AfterOkOrClosingTheNextErrorShowsItsOwnMessage) {
   start();
   calc("1/0");
   acknowledgeError();
   EXPECT_EQ(window(QStringLiteral("ErrorWindow")), nullptr);
-  EXPECT_EQ(errorText(), QString());
   calc("sqr(-1)");
   EXPECT_EQ(errorText(), "負の平方根は不可です");
-  acknowledgeError();
-  calc("(-8)^(1/3)");
-  EXPECT_EQ(errorText(), "0,負の累乗は不可です");
+  window(QStringLiteral("ErrorWindow"))->close();
+  calc("log(-1)");
+  EXPECT_EQ(errorText(), "0,負のlogは不可です");
 }
 
 TEST_F(GuiTest, ErrorWindowIsNotModal) {
@@ -36,14 +35,6 @@ TEST_F(GuiTest, ErrorWindowIsNotModal) {
   EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   // The main window keeps working while the message is shown.
   EXPECT_EQ(calc("2+3"), "5");
-}
-
-TEST_F(GuiTest, ClosingTheErrorWindowLikeOkLoadsTheNextMessage) {
-  start();
-  calc("1/0");
-  window(QStringLiteral("ErrorWindow"))->close();
-  calc("log(-1)");
-  EXPECT_EQ(errorText(), "0,負のlogは不可です");
 }
 
 TEST_F(GuiTest, BadStoreLinesAreReportedAtStartAndTheRestLoads) {

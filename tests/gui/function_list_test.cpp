@@ -1,5 +1,6 @@
 // Rec of the main window and the Function List window: listing, select, delete, save.
 #include <QListWidget>
+#include <tuple>
 
 #include "gui_fixture.h"
 
@@ -24,59 +25,26 @@ class FunctionList : public GuiTest {
   void choose(QWidget* list, int row) { child<QListWidget>(list, "List1")->setCurrentRow(row); }
 };
 
-TEST_F(FunctionList, RecThenCalcUsesTheFunction) {
+TEST_F(FunctionList, RecRegistersAndTheListShowsTheAutomaticName) {
   start();
   rec("sq(x)=x*x");
-  EXPECT_EQ(errorText(), QString());
-  EXPECT_EQ(engine().userFunctionCount(), 1);
-  EXPECT_EQ(calc("sq(3)+1"), "10");
-}
-
-TEST_F(FunctionList, RecWithoutHeaderGetsAnAutomaticName) {
-  start();
   rec("x^2+y");
-  EXPECT_EQ(lines(openList()), QStringList{"f_1(x,y)=x^2+y"});
-}
-
-struct RecError {
-  const char* first;  // registered before, or nullptr
-  const char* formula;
-  const char* message;
-};
-
-void PrintTo(const RecError& c, std::ostream* out) { *out << '"' << c.formula << '"'; }
-
-class RecRefused : public FunctionList, public ::testing::WithParamInterface<RecError> {};
-
-TEST_P(RecRefused, ShowsTheErrorAndRegistersNothing) {
-  start();
-  int before = 0;
-  if (GetParam().first) {
-    rec(GetParam().first);
-    before = 1;
-  }
-  rec(QString::fromUtf8(GetParam().formula));
-  EXPECT_EQ(errorText().toStdString(), GetParam().message);
-  EXPECT_EQ(engine().userFunctionCount(), before);
-  EXPECT_EQ(lines(openList()).size(), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(MainWindow, RecRefused,
-                         ::testing::Values(RecError{nullptr, "h(x)=x+y", "式の変数が余分です"},
-                                           RecError{nullptr, "h(x,y)=x", "式の変数が不足です"},
-                                           RecError{nullptr, "h(1)=2", "関数のパラメータが定数はだめです"},
-                                           RecError{"sq(x)=x*x", "sq(t)=t",
-                                                    "このユーザ関数は既に登録されています"}));
-
-TEST_F(FunctionList, FiftiethFunctionIsRefusedWithError9) {
-  start();
-  for (int i = 1; i <= 49; ++i) rec(QStringLiteral("g%1(x)=x+%1").arg(i));
-  ASSERT_EQ(engine().userFunctionCount(), 49);
   EXPECT_EQ(errorText(), QString());
-  rec("g50(x)=x");
-  EXPECT_EQ(errorText(), "ユーザ関数はこれ以上登録できません");
-  EXPECT_EQ(engine().userFunctionCount(), 49);
-  EXPECT_EQ(lines(openList()).size(), 49);
+  EXPECT_EQ(calc("sq(3)+1"), "10");
+  EXPECT_EQ(lines(openList()), (QStringList{"sq(x)=x*x", "f_1(x,y)=x^2+y"}));
+}
+
+TEST_F(FunctionList, RefusedRecShowsTheErrorAndRegistersNothing) {
+  for (auto [first, formula, message] : {std::tuple{"", "h(x)=x+y", "式の変数が余分です"},
+                                         std::tuple{"sq(x)=x*x", "sq(t)=t", "このユーザ関数は既に登録されています"}}) {
+    start();
+    const int before = *first ? 1 : 0;
+    if (before) rec(first);
+    rec(QString::fromUtf8(formula));
+    EXPECT_EQ(errorText().toStdString(), message);
+    EXPECT_EQ(engine().userFunctionCount(), before);
+    EXPECT_EQ(lines(openList()).size(), before);
+  }
 }
 
 TEST_F(FunctionList, SelectCopiesTheLineIntoTheFormulaBoxAndCloses) {
@@ -101,42 +69,16 @@ TEST_F(FunctionList, SelectWithoutAChoiceDoesNothing) {
   EXPECT_NE(window(QStringLiteral("FunctionListWindow")), nullptr);
 }
 
-TEST_F(FunctionList, SelectInParametricModeGoesToTheParameterBox) {
+TEST_F(FunctionList, ALineTheParameterBoxRefusesGoesToTheFormulaBox) {
   start();
   rec("sq(x)=x*x");
-  main().setFormulaText("kept");
-  QStringList received;
-  bool accept = true;
-  auto target = [&](const QString& line) {
-    received << line;
-    return accept;
-  };
-
   state().GraphMode = 3;
+  int asked = 0;
   QWidget* list = openList();
-  static_cast<FunctionListWindow*>(list)->setParameterTarget(target);
+  static_cast<FunctionListWindow*>(list)->setParameterTarget([&](const QString&) { return ++asked, false; });
   choose(list, 0);
   click(list, "Command3");
-  EXPECT_EQ(received, QStringList{"sq(x)=x*x"});
-  EXPECT_EQ(main().formulaText(), "kept");
-
-  // A parameter window that cannot take it leaves the line to the main window.
-  accept = false;
-  list = openList();
-  static_cast<FunctionListWindow*>(list)->setParameterTarget(target);
-  choose(list, 0);
-  click(list, "Command3");
-  EXPECT_EQ(main().formulaText(), "sq(x)=x*x");
-
-  // Outside parametric mode the target is not asked.
-  state().GraphMode = 1;
-  main().setFormulaText("kept");
-  received.clear();
-  list = openList();
-  static_cast<FunctionListWindow*>(list)->setParameterTarget(target);
-  choose(list, 0);
-  click(list, "Command3");
-  EXPECT_TRUE(received.isEmpty());
+  EXPECT_EQ(asked, 1);
   EXPECT_EQ(main().formulaText(), "sq(x)=x*x");
 }
 

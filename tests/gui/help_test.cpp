@@ -55,31 +55,21 @@ class Help : public GuiTest {
   QString frameTitle(const char* frame) { return child<QGroupBox>(&main(), frame)->title(); }
 };
 
-TEST_F(Help, ListsFollowTheLanguageOfTheFile) {
-  for (int16_t language : {kEnglish, kJapanese}) {
-    writeFile("MERIDA.DEF", language == kJapanese ? "Japanese\r\n" : "English\r\n");
-    start();
-    QWidget* help = openHelp();
-    EXPECT_EQ(lines(help, "List1"), expected(OperatorLines(language)));
-    EXPECT_EQ(lines(help, "List2"), expected(FunctionLines(language)));
-  }
-}
-
 TEST_F(Help, SwitchRenewsMainAndHelpAndRewritesTheFile) {
   start();
   QWidget* help = openHelp();
-  QStringList englishOperators = lines(help, "List1");
-  QStringList englishFunctions = lines(help, "List2");
+  const QStringList englishOperators = expected(OperatorLines(kEnglish));
+  const QStringList englishFunctions = expected(FunctionLines(kEnglish));
+  EXPECT_EQ(lines(help, "List1"), englishOperators);
+  EXPECT_EQ(lines(help, "List2"), englishFunctions);
 
   auto box = switchLanguage(help, QMessageBox::Yes);
   EXPECT_EQ(box.first, "English To Japanese");
   EXPECT_EQ(box.second, "Japanese Transfer?");
   EXPECT_EQ(state().DisplayLanguage, kJapanese);
   EXPECT_EQ(main().windowTitle(), "メリダ電卓");
-  EXPECT_EQ(child<QPushButton>(&main(), "Command1")->text(), "計算");
   EXPECT_EQ(frameTitle("Frame2"), "答");
   EXPECT_EQ(help->windowTitle(), "ヘルプ");
-  EXPECT_EQ(child<QPushButton>(help, "Command4")->text(), "英語");
   EXPECT_EQ(lines(help, "List1"), expected(OperatorLines(kJapanese)));
   EXPECT_EQ(lines(help, "List2"), expected(FunctionLines(kJapanese)));
   EXPECT_EQ(readFile("MERIDA.DEF"), "Japanese\r\n");
@@ -88,19 +78,18 @@ TEST_F(Help, SwitchRenewsMainAndHelpAndRewritesTheFile) {
   EXPECT_EQ(box.first, "日本語を英語にする");
   EXPECT_EQ(box.second, "英語にしますか?");
   EXPECT_EQ(state().DisplayLanguage, kEnglish);
-  EXPECT_EQ(main().windowTitle(), "MERIDA");
   EXPECT_EQ(child<QPushButton>(&main(), "Command20")->text(), "Prime");
-  EXPECT_EQ(frameTitle("Frame1"), "Function");
   EXPECT_EQ(help->windowTitle(), "Help");
   EXPECT_EQ(lines(help, "List1"), englishOperators);
   EXPECT_EQ(lines(help, "List2"), englishFunctions);
   EXPECT_EQ(readFile("MERIDA.DEF"), "English\r\n");
 
-  // The next start reads the language back.
+  // The next start reads the language back, lists included.
   switchLanguage(help, QMessageBox::Yes);
   start();
   EXPECT_EQ(state().DisplayLanguage, kJapanese);
   EXPECT_EQ(child<QPushButton>(&main(), "Command8")->text(), "ﾍﾙﾌﾟ");
+  EXPECT_EQ(lines(openHelp(), "List2"), expected(FunctionLines(kJapanese)));
 }
 
 TEST_F(Help, NoChangesNothingButWritesTheFile) {

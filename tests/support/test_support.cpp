@@ -70,4 +70,15 @@ CliResult RunCli(const std::vector<std::string>& args, const std::string& input)
 #endif
 }
 
+void ExpectCli(const CliCase& c) {
+  CliResult r = RunCli(c.args);
+  EXPECT_EQ(r.status, c.status);
+  EXPECT_EQ(r.out, c.out);
+  if (c.errIsPrefix) {
+    EXPECT_EQ(r.err.substr(0, c.err.size()), c.err) << r.err;
+  } else {
+    EXPECT_EQ(r.err, c.err);
+  }
+}
+
 }  // namespace merida::test

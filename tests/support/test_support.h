@@ -11,6 +11,7 @@
 
 #include "engine/engine.h"
 #include "engine/host.h"
+#include "main/app_state.h"
 
 namespace merida::test {
 
@@ -66,11 +67,39 @@ class StoppingHost : public RecordingHost {
   }
 };
 
+// A reset engine as a tool window finds it, whose host stops it at event number host.stopAt.
+class EngineTest : public ::testing::Test {
+ protected:
+  EngineTest() : engine(host) {
+    host.engine = &engine;
+    engine.ResetEngine();
+  }
+  StoppingHost host;
+  Engine engine;
+  AppState state;
+};
+
 // Runs merida-cli with arguments and standard input; captures output and exit status.
 struct CliResult {
   int status = -1;
   std::string out, err;
 };
 CliResult RunCli(const std::vector<std::string>& args, const std::string& input = "");
+
+// One merida-cli run and what it must print: exit status, standard output, and standard error
+// (exactly, or only its start when errIsPrefix).
+struct CliCase {
+  const char* name;
+  std::vector<std::string> args;
+  int status;
+  std::string out, err;
+  bool errIsPrefix = false;
+};
+inline void PrintTo(const CliCase& c, std::ostream* os) { *os << c.name; }
+void ExpectCli(const CliCase& c);
+
+// Runs each CliCase parameter in a fresh directory.
+class CliCaseTest : public TempDirTest, public ::testing::WithParamInterface<CliCase> {};
+inline std::string CliCaseName(const ::testing::TestParamInfo<CliCase>& p) { return p.param.name; }
 
 }  // namespace merida::test

@@ -15,6 +15,8 @@
 #include "help/help_window.h"
 #include "main/function_list_window.h"
 #include "main/pad_window.h"
+#include "signal/load_window.h"
+#include "signal/wave_window.h"
 
 namespace merida {
 namespace {
@@ -67,6 +69,8 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   main.setToolOpener(14, Opener<DelayWindow>([=] { return new DelayWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(9, Opener<DiffWindow>([=] { return new DiffWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
+  main.setToolOpener(15, Opener<WaveWindow>([=] { return new WaveWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
+  main.setToolOpener(18, Opener<LoadWindow>([=] { return new LoadWindow(*e, *s, m); }));
 }
 
 void RegisterHelp(MainWindow& main, Engine& engine, AppState& state, Translations& translations) {

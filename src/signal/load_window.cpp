@@ -86,6 +86,10 @@ LoadWindow::LoadWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   layout->addLayout(buttons);
   resize(560, 420);
 
+  // The model reads directories in the background: show the path once its branch is there.
+  connect(dirs_, &QFileSystemModel::directoryLoaded, this, [this](const QString& loaded) {
+    if (dirPath_ == loaded || dirPath_.startsWith(loaded.endsWith('/') ? loaded : loaded + '/')) showDirPath();
+  });
   connect(Drive1, &QComboBox::currentIndexChanged, this, &LoadWindow::driveChanged);
   auto open = [this](const QModelIndex& index) { setDirPath(dirs_->filePath(index)); };
   connect(Dir1, &QTreeView::clicked, this, open);
@@ -156,11 +160,15 @@ void LoadWindow::setDirPath(const QString& path) {
     Drive1->setCurrentIndex(drive);
   }
   Dir1->setRootIndex(dirs_->setRootPath(root));
+  showDirPath();
+  File1->setRootIndex(files_->setRootPath(dirPath_));
+}
+
+void LoadWindow::showDirPath() {
   const QModelIndex at = dirs_->index(dirPath_);
   Dir1->setCurrentIndex(at);
   Dir1->expand(at);
-  Dir1->scrollTo(at);
-  File1->setRootIndex(files_->setRootPath(dirPath_));
+  Dir1->scrollTo(at, QAbstractItemView::PositionAtCenter);
 }
 
 void LoadWindow::driveChanged(int index) {

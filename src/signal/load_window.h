@@ -48,6 +48,7 @@ class LoadWindow : public ToolWindow {
  private:
   void fillDrives();
   int driveOf(const QString& path) const;
+  void showDirPath();
   void driveChanged(int index);
   void chooseFile(const QModelIndex& index);
   void applyPattern();

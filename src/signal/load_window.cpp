@@ -8,7 +8,6 @@
 #include <QFileSystemModel>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QHeaderView>
 #include <QMessageBox>
 #include <QSignalBlocker>
 #include <QStorageInfo>

@@ -4,7 +4,6 @@
 #include <QAudioDevice>
 #include <QDir>
 #include <QFile>
-#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMediaDevices>
 #include <QSignalBlocker>

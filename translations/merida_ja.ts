@@ -783,4 +783,83 @@
         <translation>中止</translation>
     </message>
 </context>
+<context>
+    <name>merida::FileDisplayWindow</name>
+    <message>
+        <source>File Display</source>
+        <translation>表示</translation>
+    </message>
+    <message>
+        <source>Display</source>
+        <translation>表示</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
+    <name>merida::LoadWindow</name>
+    <message>
+        <source>Load</source>
+        <comment>window</comment>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>Select</source>
+        <translation>選択</translation>
+    </message>
+    <message>
+        <source>Load</source>
+        <comment>button</comment>
+        <translation>ﾛｰﾄﾞ</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Graph</source>
+        <translation>ｸﾞﾗﾌ</translation>
+    </message>
+</context>
+<context>
+    <name>merida::WaveWindow</name>
+    <message>
+        <source>WAVE File Make</source>
+        <translation>音作成</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>時間</translation>
+    </message>
+    <message>
+        <source>sec</source>
+        <translation>秒</translation>
+    </message>
+    <message>
+        <source>File Name</source>
+        <translation>ﾌｧｲﾙ名</translation>
+    </message>
+    <message>
+        <source>MERIDA</source>
+        <translation>MERIDA</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Test</source>
+        <translation>ﾃｽﾄ</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
 </TS>

@@ -114,6 +114,23 @@ TEST_P(EveryWindow, EveryCaptionFitsItsButton) {
     QPushButton* button = child<QPushButton>(&main(), ("Command" + std::to_string(n)).c_str());
     if (button && button->isEnabled()) press(n);
   }
+  // The signal windows with numbers in their boxes and a chart drawn from the record table.
+  if (QWidget* wave = window(QStringLiteral("WaveWindow"))) {
+    child<QLineEdit>(wave, "Text1")->setText("0");
+    child<QLineEdit>(wave, "Text2")->setText("0.25");
+    child<QLineEdit>(wave, "Text3")->setText("mrdsound.wav");
+  }
+  if (QWidget* load = window(QStringLiteral("LoadWindow"))) {
+    RecordFunctionTable& t = state().Records;
+    for (int i = 1; i <= 100; ++i) t.values[i][0] = static_cast<float>(i % 10);
+    t.count = 100;
+    t.rangeStart = 0;
+    t.rangeEnd = 2;
+    t.kind = MeridaTextData;
+    for (const char* box : {"Text2", "Text3", "Text4"}) child<QLineEdit>(load, box)->setText("100");
+    click(load, "Command3");
+    if (QWidget* display = window(QStringLiteral("FileDisplayWindow"))) click(display, "Command1");
+  }
   checkOpenWindows();
 
   press(13);

@@ -1,0 +1,224 @@
+// The Load window. There are no drive letters here: the "drives" are the home directory and
+// the mounted file systems, and the lists are views of the real file system.
+#include "signal/load_window.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QFileSystemModel>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QSignalBlocker>
+#include <QStorageInfo>
+#include <QVBoxLayout>
+
+#include "signal/data_files.h"
+#include "signal/file_display_window.h"
+
+namespace merida {
+namespace {
+
+QLineEdit* Box(const char* name) {
+  auto* box = new QLineEdit;
+  box->setObjectName(name);
+  box->setReadOnly(true);  // what a load found; Load reads the chosen file, never this text
+  return box;
+}
+
+bool Readable(const QString& root) {
+  const QFileInfo info(root);
+  return info.isDir() && info.isReadable() && info.isExecutable() && QStorageInfo(root).isReady();
+}
+
+}  // namespace
+
+LoadWindow::LoadWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
+  setObjectName("LoadWindow");
+  Drive1 = new QComboBox;
+  Drive1->setObjectName("Drive1");
+  dirs_ = new QFileSystemModel(this);
+  dirs_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Hidden);
+  Dir1 = new QTreeView;
+  Dir1->setObjectName("Dir1");
+  Dir1->setModel(dirs_);
+  Dir1->setHeaderHidden(true);
+  for (int column = 1; column < dirs_->columnCount(); ++column) Dir1->hideColumn(column);
+  files_ = new QFileSystemModel(this);
+  files_->setFilter(QDir::Files | QDir::Hidden);
+  files_->setNameFilterDisables(false);  // a file the pattern leaves out is not listed at all
+  File1 = new QListView;
+  File1->setObjectName("File1");
+  File1->setModel(files_);
+  Check1 = new QCheckBox;
+  Check1->setObjectName("Check1");
+  Text1 = Box("Text1");
+  Text2 = Box("Text2");
+  Text3 = Box("Text3");
+  Text4 = Box("Text4");
+  Label1 = new QLabel(QStringLiteral("～"));
+  Label1->setObjectName("Label1");
+  Command1 = makeButton("Command1");
+  Command3 = makeButton("Command3");
+  Command2 = makeButton("Command2");
+
+  auto* lists = new QGridLayout;
+  lists->addWidget(Drive1, 0, 0);
+  lists->addWidget(Dir1, 1, 0);
+  lists->addWidget(Check1, 0, 1);
+  lists->addWidget(File1, 1, 1);
+  lists->setColumnStretch(0, 1);
+  lists->setColumnStretch(1, 1);
+  auto* range = new QHBoxLayout;
+  range->addWidget(Text2);
+  range->addSpacing(12);
+  range->addWidget(Text3);
+  range->addWidget(Label1);
+  range->addWidget(Text4);
+  auto* buttons = new QHBoxLayout;
+  buttons->addStretch(1);
+  for (QPushButton* b : {Command1, Command3, Command2}) buttons->addWidget(b);
+  auto* layout = new QVBoxLayout(this);
+  layout->addLayout(lists, 1);
+  layout->addWidget(Text1);
+  layout->addLayout(range);
+  layout->addLayout(buttons);
+  resize(560, 420);
+
+  // The model reads directories in the background: show the path once its branch is there.
+  connect(dirs_, &QFileSystemModel::directoryLoaded, this, [this](const QString& loaded) {
+    if (dirPath_ == loaded || dirPath_.startsWith(loaded.endsWith('/') ? loaded : loaded + '/')) showDirPath();
+  });
+  connect(Drive1, &QComboBox::currentIndexChanged, this, &LoadWindow::driveChanged);
+  auto open = [this](const QModelIndex& index) { setDirPath(dirs_->filePath(index)); };
+  connect(Dir1, &QTreeView::clicked, this, open);
+  connect(Dir1, &QTreeView::activated, this, open);
+  connect(File1, &QListView::clicked, this, &LoadWindow::chooseFile);
+  connect(File1, &QListView::doubleClicked, this, &LoadWindow::chooseFile);
+  connect(File1, &QListView::activated, this, &LoadWindow::chooseFile);
+  connect(Check1, &QCheckBox::clicked, this, [this] {
+    select_ = static_cast<int16_t>(-select_);
+    applyPattern();
+  });
+  connect(Command1, &QPushButton::clicked, this, &LoadWindow::load);
+  connect(Command3, &QPushButton::clicked, this, &LoadWindow::graph);
+  connect(Command2, &QPushButton::clicked, this, &QWidget::close);
+
+  retranslate();
+  state_.Records.kind = NoData;
+  applyPattern();
+  fillDrives();
+  // The data files the program writes are in the current directory.
+  setDirPath(QDir::currentPath());
+}
+
+void LoadWindow::retranslate() {
+  setWindowTitle(tr("Load", "window"));
+  Check1->setText(tr("Select"));
+  Command1->setText(tr("Load", "button"));
+  Command2->setText(tr("Close"));
+  Command3->setText(tr("Graph"));
+}
+
+void LoadWindow::fillDrives() {
+  QSignalBlocker block(Drive1);
+  Drive1->clear();
+  QStringList roots{QDir::homePath()};
+  Drive1->addItem(roots.front(), roots.front());
+  for (const QStorageInfo& volume : QStorageInfo::mountedVolumes()) {
+    const QString root = volume.rootPath();
+    // Single files bind-mounted into a container are volumes too; they hold no directory.
+    if (!volume.isValid() || roots.contains(root) || !QFileInfo(root).isDir()) continue;
+    roots.append(root);
+    const QString name = volume.displayName();
+    Drive1->addItem(name.isEmpty() || name == root ? root : QStringLiteral("%1  [%2]").arg(root, name), root);
+  }
+}
+
+int LoadWindow::driveOf(const QString& path) const {
+  // The deepest drive holding the path: the home directory before the volume under it.
+  int best = -1;
+  qsizetype length = -1;
+  for (int i = 0; i < Drive1->count(); ++i) {
+    const QString root = Drive1->itemData(i).toString();
+    const bool holds = path == root || path.startsWith(root.endsWith('/') ? root : root + '/');
+    if (holds && root.size() > length) {
+      best = i;
+      length = root.size();
+    }
+  }
+  return best;
+}
+
+void LoadWindow::setDirPath(const QString& path) {
+  dirPath_ = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+  const int drive = driveOf(dirPath_);
+  const QString root = drive >= 0 ? Drive1->itemData(drive).toString() : QStringLiteral("/");
+  {
+    QSignalBlocker block(Drive1);
+    Drive1->setCurrentIndex(drive);
+  }
+  Dir1->setRootIndex(dirs_->setRootPath(root));
+  showDirPath();
+  File1->setRootIndex(files_->setRootPath(dirPath_));
+}
+
+void LoadWindow::showDirPath() {
+  const QModelIndex at = dirs_->index(dirPath_);
+  Dir1->setCurrentIndex(at);
+  Dir1->expand(at);
+  Dir1->scrollTo(at, QAbstractItemView::PositionAtCenter);
+}
+
+void LoadWindow::driveChanged(int index) {
+  const QString root = Drive1->itemData(index).toString();
+  if (!Readable(root)) {
+    QMessageBox::warning(this, QStringLiteral("エラー"), QStringLiteral("ﾄﾞﾗｲﾌﾞが用意されていません"));
+    QSignalBlocker block(Drive1);
+    Drive1->setCurrentIndex(driveOf(dirPath_));
+    return;
+  }
+  setDirPath(root);
+}
+
+void LoadWindow::chooseFile(const QModelIndex& index) {
+  if (!index.isValid()) return;
+  const QString name = files_->fileName(index);
+  chosen_ = dirPath_.endsWith('/') ? dirPath_ + name : dirPath_ + '/' + name;
+  Text1->setText(name);
+}
+
+void LoadWindow::applyPattern() {
+  {
+    QSignalBlocker block(Check1);
+    Check1->setChecked(select_ == 1);
+  }
+  // "*.*" is every file, those without an extension included.
+  files_->setNameFilters(select_ == 1 ? QStringList{"*.wav", "*.mrd", "*.orb"} : QStringList{"*"});
+}
+
+void LoadWindow::load() {
+  if (chosen_.isEmpty()) {
+    state_.Records.kind = NoData;
+    return;
+  }
+  const LoadResult r = LoadDataFile(engine_, state_.Records, QFile::encodeName(chosen_).toStdString());
+  const LoadBoxes& b = r.boxes;
+  // A refused WAVE header puts the raw bytes it found in Text1; a load puts the path there.
+  if (b.text1) Text1->setText(r.loaded ? QFile::decodeName(b.text1->c_str()) : QString::fromLatin1(b.text1->data(), static_cast<qsizetype>(b.text1->size())));
+  if (b.text2) Text2->setText(QString::fromStdString(*b.text2));
+  if (b.text3) Text3->setText(QString::fromStdString(*b.text3));
+  if (b.text4) Text4->setText(QString::fromStdString(*b.text4));
+}
+
+FileDisplayWindow* LoadWindow::fileDisplayWindow() const { return display_; }
+
+void LoadWindow::graph() {
+  if (state_.Records.kind < 1) return;
+  if (!display_) display_ = new FileDisplayWindow(engine_, state_, this);
+  display_->show();
+  display_->raise();
+  display_->activateWindow();
+}
+
+}  // namespace merida

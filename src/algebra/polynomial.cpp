@@ -176,9 +176,11 @@ std::string PowerTerms(const Polynomial& p, bool zeros) {
     const double c = p.coef[i];
     if (c == 0 && !zeros) continue;
     if ((zeros ? c >= 0 : c > 0) && i != p.degree) s += '+';
-    if (c == 1) s += p.varName;
-    else if (c == -1) s.append("-").append(p.varName);
-    else s.append(Text(c)).append("*").append(p.varName);
+    // By the text: a coefficient a rounding away from 1 prints as 1 and is written as one.
+    const std::string t = Text(c);
+    if (t == "1") s += p.varName;
+    else if (t == "-1") s.append("-").append(p.varName);
+    else s.append(t).append("*").append(p.varName);
     if (i > 1) s.append("^").append(std::to_string(i));
   }
   return s;
@@ -206,14 +208,15 @@ std::string FactorListText(std::string_view varName, const std::vector<PolyFacto
   for (size_t k = 0; k < factors.size(); ++k) {
     const PolyFactor& f = factors[k];
     s += k == 0 ? "(" : "*(";
-    if (f.a == 1) s.append(v).append("^2");
-    else if (f.a == -1) s.append("-").append(v).append("^2");
-    else if (f.a != 0) s.append(Text(f.a)).append("*").append(v).append("^2");
+    const std::string a = Text(f.a), b = Text(f.b);
+    if (a == "1") s.append(v).append("^2");
+    else if (a == "-1") s.append("-").append(v).append("^2");
+    else if (f.a != 0) s.append(a).append("*").append(v).append("^2");
     const std::string plus = f.a != 0 ? "+" : "";
-    if (f.b == 1) s.append(plus).append(v);
-    else if (f.b > 0) s.append(plus).append(Text(f.b)).append("*").append(v);
-    else if (f.b == -1) s.append("-").append(v);
-    else if (f.b < 0) s.append(Text(f.b)).append("*").append(v);
+    if (b == "1") s.append(plus).append(v);
+    else if (f.b > 0) s.append(plus).append(b).append("*").append(v);
+    else if (b == "-1") s.append("-").append(v);
+    else if (f.b < 0) s.append(b).append("*").append(v);
     if (f.c > 0) s.append("+").append(Text(f.c));
     else if (f.c < 0) s += Text(f.c);
     s += ")";

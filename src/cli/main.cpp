@@ -30,6 +30,7 @@ int RunFactor(Context&, const std::vector<std::string>&);
 int RunWave(Context&, const std::vector<std::string>&);
 int RunLoad(Context&, const std::vector<std::string>&);
 int RunDisplay(Context&, const std::vector<std::string>&);
+int RunFft(Context&, const std::vector<std::string>&);
 int RunDiff(Context&, const std::vector<std::string>&);
 int RunOde(Context&, const std::vector<std::string>&);
 int RunContour(Context&, const std::vector<std::string>&);
@@ -57,6 +58,10 @@ constexpr CommandEntry kCommands[] = {
     {"wave", "wave [--mrd] --from T0 --to T1 [--name FILE] FORMULA", RunWave},
     {"load", "load [--rows] FILE", RunLoad},
     {"display", "display FILE", RunDisplay},
+    {"fft",
+     "fft [--wave FILE | --mrd FILE] [--average | --continue] --from T0 --to T1 --num N\n"
+     "      --show fourier|imaginary|power|corr [--matrix FILE] [FORMULA]",
+     RunFft},
     {"delay", "delay --steps N --init V1,V2,...,VK FORMULA", RunDelay},
     {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
     {"diff", "diff [--order 2] --width H --min A --max B FORMULA", RunDiff},

@@ -6,7 +6,8 @@
 namespace merida::cli {
 
 std::optional<Options> ParseOptions(const std::vector<std::string>& args, const std::set<std::string>& valued,
-                                    const std::set<std::string>& switches, const std::set<std::string>& required) {
+                                    const std::set<std::string>& switches, const std::set<std::string>& required,
+                                    bool formulaRequired) {
   Options o;
   for (size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
@@ -21,7 +22,7 @@ std::optional<Options> ParseOptions(const std::vector<std::string>& args, const 
       o.formula = a;
     }
   }
-  if (!o.formula) return std::nullopt;
+  if (!o.formula && formulaRequired) return std::nullopt;
   for (const std::string& r : required) {
     if (!o.has(r)) return std::nullopt;
   }

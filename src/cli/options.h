@@ -22,7 +22,8 @@ struct Options {
 // nullopt on an unknown option, a repeated one, an option without its value, a second
 // formula, or a missing required option or formula. A formula may start with "-", never "--".
 std::optional<Options> ParseOptions(const std::vector<std::string>& args, const std::set<std::string>& valued,
-                                    const std::set<std::string>& switches, const std::set<std::string>& required);
+                                    const std::set<std::string>& switches, const std::set<std::string>& required,
+                                    bool formulaRequired = true);
 
 // A box the window rewrote, as scripts see it: "Text3: 8" on standard error.
 void ReportBox(const char* control, const std::string& text);

@@ -6,8 +6,9 @@
 namespace merida {
 
 struct Spectrum::Plans {
-  explicit Plans(int n)
-      : n(n), buffer(static_cast<fftwf_complex*>(fftwf_malloc(sizeof(fftwf_complex) * static_cast<size_t>(n)))) {
+  explicit Plans(int points)
+      : buffer(static_cast<fftwf_complex*>(fftwf_malloc(sizeof(fftwf_complex) * static_cast<size_t>(points)))) {
+    const int n = points;
     forwardPlan = fftwf_plan_dft_1d(n, buffer, buffer, FFTW_FORWARD, FFTW_ESTIMATE);
     inversePlan = fftwf_plan_dft_1d(n, buffer, buffer, FFTW_BACKWARD, FFTW_ESTIMATE);
   }
@@ -19,7 +20,6 @@ struct Spectrum::Plans {
   Plans(const Plans&) = delete;
   Plans& operator=(const Plans&) = delete;
 
-  int n;
   fftwf_complex* buffer;
   fftwf_plan forwardPlan = nullptr, inversePlan = nullptr;
 };

@@ -254,6 +254,17 @@ TEST_F(PolynomialTest, FactorWithAnEmptyBoxTakesEveryRealRootOfTheLastSeek) {
   EXPECT_EQ(std::count(r.secondFunction->begin(), r.secondFunction->end(), '('), 3) << *r.secondFunction;
 }
 
+TEST_F(PolynomialTest, CoefficientsThatPrintAsOneAreWrittenAsTheBareVariable) {
+  const double nearOne = 1.0000000000000002, belowOne = 0.99999999999999989;
+  EXPECT_EQ(FactorListText("x", {{1, nearOne, 1}, {0, -belowOne, 2}}), "(x^2+x+1)*(-x+2)");
+  Polynomial p;
+  p.varName = "t";
+  p.degree = 2;
+  p.coef = {0, -nearOne, belowOne};
+  EXPECT_EQ(ArrangeText(p), "t^2-t+0");
+  EXPECT_EQ(ExpandText(p), "t^2-t");
+}
+
 TEST_F(PolynomialTest, SnappingToIntegers) {
   struct Case {
     double v, tolerance, want;

@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(
         CliCase{"FactorCoeff", {"factor", "--coeff", "--root", ".5", "2*x^2-3*x+1"}, 0, "(2*x-1)*(x-1)\n", ""},
         CliCase{"FactorNotARoot", {"factor", "--root", "2", "--root", "5", "x^3-6*x^2+11*x-6"}, 1,
                 "(x-2)*(x^2-4*x+3)\n", "error 53: 因数分解の因子がおかしい\n"},
-        CliCase{"FactorAfterSeek", {"factor", "x^3-1"}, 0, "(x-1)*(x^2+x+1)\n", ""},
+        CliCase{"FactorAfterSeek", {"factor", "--integer", "x^3-1"}, 0, "(x-1)*(x^2+x+1)\n", ""},
         CliCase{"FactorUsage", {"factor", "x^2-1", "--root"}, 2, "",
                 "usage: merida-cli factor [--coeff] [--integer] [--tolerance T] [--root V]... FORMULA\n"}),
     test::CliCaseName);

@@ -51,7 +51,7 @@ TEST_F(ToolWiring, AlgebraButtonsOpenTheirWindows) {
     int command;
     const char* objectName;
   };
-  for (Row r : {Row{13, "SimultWindow"}, Row{16, "SimultWindow"}, Row{20, "PrimeWindow"}}) {
+  for (Row r : {Row{10, "IntersectionWindow"}, Row{13, "SimultWindow"}, Row{16, "SimultWindow"}, Row{20, "PrimeWindow"}}) {
     press(r.command);
     QWidget* w = window(QString::fromLatin1(r.objectName));
     ASSERT_NE(w, nullptr) << r.command;

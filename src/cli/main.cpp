@@ -23,6 +23,13 @@ int RunDinteg(Context&, const std::vector<std::string>&);
 int RunDelay(Context&, const std::vector<std::string>&);
 int RunRoots(Context&, const std::vector<std::string>&);
 int RunInter(Context&, const std::vector<std::string>&);
+int RunExpand(Context&, const std::vector<std::string>&);
+int RunArrange(Context&, const std::vector<std::string>&);
+int RunSeek(Context&, const std::vector<std::string>&);
+int RunFactor(Context&, const std::vector<std::string>&);
+int RunWave(Context&, const std::vector<std::string>&);
+int RunLoad(Context&, const std::vector<std::string>&);
+int RunDisplay(Context&, const std::vector<std::string>&);
 int RunDiff(Context&, const std::vector<std::string>&);
 int RunOde(Context&, const std::vector<std::string>&);
 
@@ -42,6 +49,13 @@ constexpr CommandEntry kCommands[] = {
     {"integ", "integ --min A --max B --num N FORMULA", RunInteg},
     {"roots", "roots --min A --max B --num N [--judge J] [--integer] FORMULA", RunRoots},
     {"inter", "inter --second G --min A --max B --num N [--judge J] FORMULA", RunInter},
+    {"expand", "expand FORMULA", RunExpand},
+    {"arrange", "arrange FORMULA", RunArrange},
+    {"seek", "seek [--integer] [--tolerance T] [--judge J] FORMULA", RunSeek},
+    {"factor", "factor [--coeff] [--integer] [--tolerance T] [--root V]... FORMULA", RunFactor},
+    {"wave", "wave [--mrd] --from T0 --to T1 [--name FILE] FORMULA", RunWave},
+    {"load", "load [--rows] FILE", RunLoad},
+    {"display", "display FILE", RunDisplay},
     {"delay", "delay --steps N --init V1,V2,...,VK FORMULA", RunDelay},
     {"dinteg", "dinteg --min A --max B --num N --min2 C --max2 D --num2 M FORMULA", RunDinteg},
     {"diff", "diff [--order 2] --width H --min A --max B FORMULA", RunDiff},

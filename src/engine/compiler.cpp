@@ -26,10 +26,9 @@ bool EqualsIgnoringCase(std::string_view a, std::string_view b) {
          });
 }
 
-// A free variable: an operand that is neither a constant nor a number.
-bool IsVariableText(std::string_view t) { return t != "PI" && t != "E" && !IsNumeric(t); }
-
 }  // namespace
+
+bool IsVariableText(std::string_view t) { return t != "PI" && t != "E" && !IsNumeric(t); }
 
 void TokenList::clear() {
   Text.assign(1, std::string());

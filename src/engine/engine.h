@@ -32,6 +32,9 @@ enum TokenKind : int16_t {
   kCommaKind = 4,
 };
 
+// A free variable's token: an operand that is neither a constant nor a number.
+bool IsVariableText(std::string_view t);
+
 struct TokenList {
   std::vector<std::string> Text{""};  // tokens occupy 1..Count
   std::vector<int16_t> Kind{0};

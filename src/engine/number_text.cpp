@@ -146,6 +146,11 @@ std::string PlainText(double v) {
   return General(v, 15);
 }
 
+std::string PlainText(float v) {
+  if (v == 0) return "0";
+  return General(static_cast<double>(v), 7);
+}
+
 static std::string ToListForm(std::string s) {
   if (s.rfind("0.", 0) == 0) s.erase(0, 1);
   else if (s.rfind("-0.", 0) == 0) s.erase(1, 1);

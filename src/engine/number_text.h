@@ -12,6 +12,8 @@ namespace merida {
 
 // Plain form (answer label, boxes): 15 significant digits, "E+30"/"E-07" exponents, "-0" as "0".
 std::string PlainText(double v);
+// Plain form of a single-precision value: 7 significant digits ("0.1", "5000").
+std::string PlainText(float v);
 
 // List form: plain digits, a leading blank unless negative, no zero before the point (" .5", "-.25").
 std::string ListText(double v);

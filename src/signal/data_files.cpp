@@ -1,0 +1,288 @@
+// Every reader works on a scratch copy of the table and commits it whole, so a file that
+// fails half way leaves the rows as they were. Header fields are checked against the real
+// size; no field is ever read past the end of the file.
+#include "signal/data_files.h"
+
+#include <cmath>
+#include <fstream>
+
+#include "engine/formula_sampler.h"
+#include "engine/number_text.h"
+
+namespace merida {
+namespace {
+
+constexpr int kWrongFormatError = 39;
+constexpr int kColumnCountError = 41;
+constexpr int kDataCountError = 43;
+constexpr size_t kWaveHeader = 44;
+// No number is this long: a longer field is garbage, and reading on would take a 1 GB line
+// to its end before saying so.
+constexpr size_t kMaxField = 4096;
+
+uint32_t LittleEndian(std::string_view bytes, size_t at) {
+  uint32_t v = 0;
+  for (size_t k = 0; k < 4; ++k) v |= uint32_t{static_cast<uint8_t>(bytes[at + k])} << (8 * k);
+  return v;
+}
+
+// Fields separated by commas or line ends, leading blanks skipped, a CR before LF dropped.
+class FieldReader {
+ public:
+  explicit FieldReader(std::istream& in) : in_(*in.rdbuf()) {}
+
+  // The next field; nullopt at the end of the file or when the field is too long to be one.
+  std::optional<std::string> next() {
+    using Traits = std::char_traits<char>;
+    int c = in_.sgetc();
+    if (c == Traits::eof()) return std::nullopt;
+    while (c == ' ') c = in_.snextc();
+    std::string field;
+    bool lineEnd = false;
+    for (;;) {
+      c = in_.sbumpc();
+      if (c == Traits::eof() || c == ',') break;
+      if (c == '\n') {
+        lineEnd = true;
+        break;
+      }
+      if (field.size() == kMaxField) {
+        tooLong_ = true;
+        return std::nullopt;
+      }
+      field.push_back(static_cast<char>(c));
+    }
+    if (lineEnd && !field.empty() && field.back() == '\r') field.pop_back();
+    return field;
+  }
+  bool tooLong() const { return tooLong_; }
+
+ private:
+  std::streambuf& in_;
+  bool tooLong_ = false;
+};
+
+// A field read leniently into single precision; nullopt when it overflows (out of range).
+std::optional<float> FloatField(std::string_view field) { return RecordValue(ReadLenient(field)); }
+
+// A count field rounded halves to even; nullopt when it is no usable count.
+std::optional<int64_t> CountField(std::string_view field) {
+  double v = std::nearbyint(ReadLenient(field));
+  if (!(v >= 0)) return std::nullopt;
+  return v > 1e9 ? int64_t{1000000000} : static_cast<int64_t>(v);
+}
+
+LoadResult Refused(RecordFunctionTable& table, LoadResult r = {}) {
+  table.kind = NoData;
+  r.loaded = false;
+  return r;
+}
+
+LoadResult Failed(Engine& engine, RecordFunctionTable& table, int code) {
+  engine.Fail(code);
+  return Refused(table);
+}
+
+}  // namespace
+
+DataFormat ReaderFor(std::string_view path) {
+  auto has = [&](std::string_view s) { return path.find(s) != std::string_view::npos; };
+  if (has(".wav") || has(".WAV")) return DataFormat::kWave;
+  if (has(".orb") || has(".ORB")) return DataFormat::kOrbita;
+  return DataFormat::kMerida;
+}
+
+LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionTable& table) {
+  in.seekg(0, std::ios::end);
+  const std::streamoff fileSize = in.tellg();
+  in.seekg(0);
+  if (fileSize < 0 || !in) return Refused(table);
+  std::string header(static_cast<size_t>(std::min<std::streamoff>(fileSize, kWaveHeader)), '\0');
+  in.read(header.data(), static_cast<std::streamsize>(header.size()));
+  if (!in) return Refused(table);
+
+  LoadResult r;
+  // Each field is shown as it is read, so a refused file leaves the failing one in Text1;
+  // a field reaching past the end of the file fails with what was there.
+  auto shown = [&](std::string text) {
+    r.boxes.text1 = std::move(text);
+    return *r.boxes.text1;
+  };
+  auto chars = [&](size_t at, size_t n) { return at < header.size() ? header.substr(at, n) : std::string(); };
+  auto byteText = [&](size_t at) {
+    return at < header.size() ? std::to_string(static_cast<uint8_t>(header[at])) : std::string();
+  };
+  if (chars(0, 4) != "RIFF") return Refused(table);
+  if (shown(chars(8, 7)) != "WAVEfmt") return Refused(table, r);
+  if (shown(byteText(20)) != "1") return Refused(table, r);
+  if (shown(byteText(22)) != "1") return Refused(table, r);
+  if (header.size() < 28) return Refused(table, r);
+  const uint32_t rate = LittleEndian(header, 24);
+  shown(std::to_string(rate));
+  if (shown(byteText(34)) != "8") return Refused(table, r);
+  if (shown(chars(36, 4)) != "data") return Refused(table, r);
+  if (header.size() < kWaveHeader) return Refused(table, r);
+  const uint32_t size = LittleEndian(header, 40);
+  r.boxes.text2 = std::to_string(size);
+
+  const int n = static_cast<int>(std::min<uint32_t>(size, RecordFunctionTable::kCapacity));
+  std::string samples(static_cast<size_t>(std::min<std::streamoff>(n, fileSize - static_cast<std::streamoff>(kWaveHeader))), '\0');
+  in.read(samples.data(), static_cast<std::streamsize>(samples.size()));
+  if (!in) return Refused(table, r);
+  RecordFunctionTable t = table;
+  t.count = static_cast<int16_t>(n);
+  t.dimension = 1;
+  t.rangeStart = 0;
+  t.rangeEnd = static_cast<float>(n);
+  // Samples the data size promises but the file does not hold load as silence.
+  for (int i = 1; i <= n; ++i) {
+    const size_t k = static_cast<size_t>(i - 1);
+    t.values[i][0] = k < samples.size() ? static_cast<float>(static_cast<uint8_t>(samples[k]) - 128) : 0.0f;
+  }
+  t.sampleRate = static_cast<int32_t>(rate);
+  t.kind = WaveData;
+  table = t;
+  r.loaded = true;
+  r.boxes.text1 = std::string(fullPath);
+  r.boxes.text2 = std::to_string(rate);
+  r.boxes.text3 = "0";
+  r.boxes.text4 = PlainText(t.rangeEnd);
+  return r;
+}
+
+LoadResult ReadMeridaText(Engine& engine, std::istream& in, RecordFunctionTable& table) {
+  FieldReader fields(in);
+  std::optional<std::string> tag = fields.next();
+  if (!tag || *tag != "MERIDA") return Failed(engine, table, kWrongFormatError);
+  std::optional<std::string> countText = fields.next(), startText = fields.next(), endText = fields.next();
+  if (!endText) return Refused(table);
+  std::optional<int64_t> n = CountField(*countText);
+  std::optional<float> start = FloatField(*startText), end = FloatField(*endText);
+  if (!n || !start || !end) return Refused(table);
+  RecordFunctionTable t = table;
+  t.rangeStart = *start;
+  t.rangeEnd = *end;
+  t.dimension = 1;
+  t.count = static_cast<int16_t>(std::min<int64_t>(*n, RecordFunctionTable::kCapacity));
+  for (int row = 1; row <= RecordFunctionTable::kCapacity; ++row) {
+    std::optional<std::string> field = fields.next();
+    if (!field) break;
+    std::optional<float> v = FloatField(*field);
+    if (!v) return Refused(table);
+    t.values[row][0] = *v;
+  }
+  if (fields.tooLong()) return Refused(table);
+  t.kind = MeridaTextData;
+  table = t;
+  LoadResult r;
+  r.loaded = true;
+  r.boxes.text2 = std::to_string(t.count);
+  r.boxes.text3 = PlainText(t.rangeStart);
+  r.boxes.text4 = PlainText(t.rangeEnd);
+  return r;
+}
+
+LoadResult ReadOrbita(Engine& engine, std::istream& in, RecordFunctionTable& table) {
+  FieldReader fields(in);
+  std::optional<std::string> tag = fields.next();
+  if (!tag || *tag != "ORBITA") return Failed(engine, table, kWrongFormatError);
+  std::optional<std::string> dText = fields.next(), nText = fields.next();
+  if (!nText) return Refused(table);
+  const double d = std::nearbyint(ReadLenient(*dText));
+  if (!(d >= 1 && d <= 3)) return Failed(engine, table, kColumnCountError);
+  // A negative row count promises nothing a column could match.
+  std::optional<int64_t> n = CountField(*nText);
+  if (!n) return Failed(engine, table, kDataCountError);
+  RecordFunctionTable t = table;
+  t.dimension = static_cast<int16_t>(d);
+  int64_t first = -1;
+  for (int j = 1; j <= t.dimension; ++j) {
+    int64_t read = 0;
+    while (read < *n) {
+      std::optional<std::string> field = fields.next();
+      if (!field) break;
+      ++read;
+      std::optional<float> v = FloatField(*field);
+      if (!v) return Refused(table);
+      if (read <= RecordFunctionTable::kCapacity) t.values[read][j - 1] = *v;
+    }
+    if (fields.tooLong()) return Refused(table);
+    if ((read < *n && read < RecordFunctionTable::kCapacity) || (first >= 0 && read != first)) {
+      return Failed(engine, table, kDataCountError);
+    }
+    if (first < 0) first = read;
+  }
+  t.count = static_cast<int16_t>(std::min<int64_t>(*n, RecordFunctionTable::kCapacity));
+  t.kind = OrbitaData;
+  table = t;
+  LoadResult r;
+  r.loaded = true;
+  r.boxes.text2 = std::to_string(t.count);
+  r.boxes.text3 = PlainText(t.rangeStart);
+  r.boxes.text4 = PlainText(t.rangeEnd);
+  return r;
+}
+
+LoadResult LoadDataFile(Engine& engine, RecordFunctionTable& table, const std::filesystem::path& path) {
+  engine.ErrorFlag = 0;
+  const DataFormat format = ReaderFor(path.string());
+  std::ifstream in(path, std::ios::binary);
+  std::error_code ec;
+  if (!in || std::filesystem::is_directory(path, ec)) return Refused(table);
+  switch (format) {
+    case DataFormat::kWave: return ReadWave(in, path.string(), table);
+    case DataFormat::kOrbita: return ReadOrbita(engine, in, table);
+    case DataFormat::kMerida: return ReadMeridaText(engine, in, table);
+  }
+  return Refused(table);
+}
+
+std::vector<ChartPoint> FileDisplayPoints(const RecordFunctionTable& table) {
+  std::vector<ChartPoint> points;
+  const int m = std::min<int>(table.count, RecordFunctionTable::kCapacity);
+  if (m <= 0) return points;
+  // Single precision, as the table holds the range.
+  const float dx = (table.rangeEnd - table.rangeStart) / static_cast<float>(table.count);
+  points.reserve(static_cast<size_t>(m));
+  for (int i = 1; i <= m; ++i) {
+    points.push_back({table.rangeStart + static_cast<float>(i - 1) * dx, table.values[i][0]});
+  }
+  return points;
+}
+
+std::string WaveFileBytes(std::span<const uint8_t> samples) {
+  const uint32_t n = static_cast<uint32_t>(samples.size());
+  std::string out;
+  out.reserve(kWaveHeader + n + 1);
+  auto u32 = [&](uint32_t v) {
+    for (int k = 0; k < 4; ++k) out.push_back(static_cast<char>((v >> (8 * k)) & 0xFF));
+  };
+  auto u16 = [&](uint16_t v) {
+    out.push_back(static_cast<char>(v & 0xFF));
+    out.push_back(static_cast<char>(v >> 8));
+  };
+  out += "RIFF";
+  u32(n + 37);  // counts the final zero byte
+  out += "WAVEfmt ";
+  u32(16);
+  u16(1);  // PCM
+  u16(1);  // mono
+  u32(kWaveSampleRate);
+  u32(kWaveSampleRate);  // bytes per second
+  u16(1);                // block align
+  u16(8);                // bits per sample
+  out += "data";
+  u32(n);
+  out.append(reinterpret_cast<const char*>(samples.data()), samples.size());
+  out.push_back('\0');
+  return out;
+}
+
+std::string MeridaFileText(double rangeStart, double rangeEnd, std::span<const float> samples) {
+  std::string out = "MERIDA\r\n" + ListText(static_cast<double>(samples.size())) + "\r\n";
+  out += ListText(rangeStart) + "\r\n" + ListText(rangeEnd) + "\r\n";
+  for (float v : samples) out += ListText(v) + "\r\n";
+  return out;
+}
+
+}  // namespace merida

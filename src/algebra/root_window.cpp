@@ -38,9 +38,15 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   Frame5 = makeBoxFrame("Frame5", Text5, "Text5");
   Frame6 = makeBoxFrame("Frame6", Text6, "Text6");
   Text5->setMaximumWidth(QWIDGETSIZE_MAX);  // a formula, not a number
-  Text7 = new QLineEdit(this);
+  // The integer tolerance belongs to the polynomial frame, beside the root box.
+  Text7 = new QLineEdit;
   Text7->setObjectName("Text7");
   Text7->setMaximumWidth(110);
+  if (auto* row = qobject_cast<QBoxLayout*>(Frame6->layout())) {
+    row->setDirection(QBoxLayout::LeftToRight);
+    row->addWidget(Text7);
+    row->addStretch(1);
+  }
   Command1 = makeButton("Command1");
   Command2 = makeButton("Command2");
   Command3 = makeButton("Command3");
@@ -62,15 +68,14 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   Graph1->setObjectName("Graph1");
   Graph1->setMinimumSize(420, 340);
 
-  // The interval, the second function, then the polynomial box with its integer tolerance.
+  // The interval, the second function, then the polynomial frame.
   auto* fields = new QGridLayout;
   fields->addWidget(Frame1, 0, 0);
   fields->addWidget(Frame2, 0, 1);
   fields->addWidget(Frame3, 1, 0);
   fields->addWidget(Frame4, 1, 1);
   fields->addWidget(Frame5, 2, 0, 1, 2);
-  fields->addWidget(Frame6, 3, 0);
-  fields->addWidget(Text7, 3, 1, Qt::AlignBottom | Qt::AlignLeft);
+  fields->addWidget(Frame6, 3, 0, 1, 2);
   auto* checks = new QHBoxLayout;
   for (QCheckBox* c : {Check1, Check2, Check3}) checks->addWidget(c);
   checks->addStretch(1);

@@ -335,29 +335,35 @@ TEST_F(RootWindowTest, FactorPeelsOneRootPerPressUntilClose) {
   press(w->Command5, "x^2-3*x+2");
   w->Text6->setText("2");
   press(w->Command6, "x^2-3*x+2");
-  EXPECT_EQ(w->Text5->text(), "(x-2)*(x-1)");
+  EXPECT_EQ(w->Text5->text().toStdString(), "(x-2)*(x-1)");
   // At degree 1 a further root changes nothing.
   w->Text6->setText("1");
   ClickOn(w->Command6);
-  EXPECT_EQ(w->Text5->text(), "(x-2)*(x-1)");
+  EXPECT_EQ(w->Text5->text().toStdString(), "(x-2)*(x-1)");
   EXPECT_TRUE(host.errors.empty());
 
-  // The factoring persists across Arrange until Close starts it afresh.
-  press(w->Command5, "x^2-3*x+2");
-  ClickOn(w->Command6);
-  EXPECT_EQ(w->Text5->text(), "x^2-3*x+2") << "still at degree 1";
-  w->close();
-  w->show();
-  press(w->Command5, "x^2-3*x+2");
-
-  // A value that is not a root: error 53, the box and the factoring stay.
+  // A value that is not a root: error 53, the box stays.
+  press(w->Command5, "x^3-6*x^2+11*x-6");
   w->Text6->setText("5");
   ClickOn(w->Command6);
   EXPECT_EQ(host.errors, std::vector<int>{53});
-  EXPECT_EQ(w->Text5->text(), "x^2-3*x+2");
+  EXPECT_EQ(w->Text5->text().toStdString(), "x^3-6*x^2+11*x-6");
   w->Text6->setText("1");
   ClickOn(w->Command6);
-  EXPECT_EQ(w->Text5->text(), "(x-1)*(x-2)");
+  EXPECT_EQ(w->Text5->text().toStdString(), "(x-1)*(x^2-5*x+6)");
+  // Close drops the factors taken off so far; the next press starts its own product.
+  w->close();
+  w->show();
+  w->Text6->setText("2");
+  ClickOn(w->Command6);
+  EXPECT_EQ(w->Text5->text().toStdString(), "(x-2)*(x-3)");
+}
+
+TEST_F(RootWindowTest, FactorWithAnEmptyBoxTakesOffTheRootsOfTheLastSeek) {
+  press(w->Command4, "x^2-3*x+2");
+  EXPECT_EQ(Lines(w->List1), (QStringList{"x= 1", "x= 2"}));
+  ClickOn(w->Command6);
+  EXPECT_EQ(w->Text5->text().toStdString(), "(x-1)*(x-2)");
 }
 
 TEST_F(RootWindowTest, CoeffTakesTheMultiplierOfTheLeadingCoefficient) {

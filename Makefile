@@ -42,8 +42,10 @@ bench:
 	./build/bench/bench/integration_bench
 	./build/bench/bench/roots_bench
 	./build/bench/bench/polynomial_bench
+	./build/bench/bench/signal_bench
 	./build/bench/bench/graph_chart_bench
 	./build/bench/bench/diff_bench
+	./build/bench/bench/contour_bench
 	bench/primes_vs_primesieve.sh build/bench/merida-cli
 
 clean:

@@ -664,6 +664,126 @@
     </message>
 </context>
 <context>
+    <name>merida::ContourWindow</name>
+    <message>
+        <source>Contour</source>
+        <translation>等高線</translation>
+    </message>
+    <message>
+        <source>Calc</source>
+        <translation>計算</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Plot</source>
+        <translation>作図</translation>
+    </message>
+    <message>
+        <source>Cube</source>
+        <translation>立体</translation>
+    </message>
+    <message>
+        <source>Hide</source>
+        <translation>隠線</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>色</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>X Axis</source>
+        <translation>X軸</translation>
+    </message>
+    <message>
+        <source>Y Axis</source>
+        <translation>Y軸</translation>
+    </message>
+    <message>
+        <source>Plot Institute</source>
+        <translation>作図設定</translation>
+    </message>
+    <message>
+        <source>Min Max</source>
+        <translation>最小最大</translation>
+    </message>
+    <message>
+        <source>Num</source>
+        <translation>分割</translation>
+    </message>
+    <message>
+        <source>Dist</source>
+        <translation>間隔</translation>
+    </message>
+</context>
+<context>
+    <name>merida::ContourMapWidget</name>
+    <message>
+        <source>Save Image...</source>
+        <translation>画像の保存...</translation>
+    </message>
+</context>
+<context>
+    <name>merida::ContourMapWindow</name>
+    <message>
+        <source>Contour Map</source>
+        <translation>等高線図</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Angle</source>
+        <translation>角度</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>The file could not be written.</source>
+        <translation>ファイルに書き込めません。</translation>
+    </message>
+</context>
+<context>
+    <name>merida::AxisAngleWindow</name>
+    <message>
+        <source>Axis Angle</source>
+        <translation>角度</translation>
+    </message>
+    <message>
+        <source>Angle</source>
+        <translation>角度</translation>
+    </message>
+    <message>
+        <source>Xaxis</source>
+        <translation>X軸</translation>
+    </message>
+    <message>
+        <source>Yaxis</source>
+        <translation>Y軸</translation>
+    </message>
+    <message>
+        <source>Deg</source>
+        <translation>度</translation>
+    </message>
+    <message>
+        <source>Decide</source>
+        <translation>決定</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
     <name>merida::IntersectionWindow</name>
     <message>
         <source>Intersection Point</source>

@@ -10,6 +10,7 @@
 #include "calculus/delay_window.h"
 #include "calculus/diff_window.h"
 #include "calculus/integration_window.h"
+#include "contour/contour_window.h"
 #include "graph/graph_tools_gui.h"
 #include "graph/graph_window.h"
 #include "graph/parameter_window.h"
@@ -71,6 +72,7 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
     return new IntersectionWindow(
         *e, *s, [m] { return m->formulaText(); }, [m](const QString& text) { m->setFormulaText(text); }, m);
   }));
+  main.setToolOpener(11, Opener<ContourWindow>([=] { return new ContourWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
 }
 

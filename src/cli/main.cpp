@@ -32,6 +32,7 @@ int RunLoad(Context&, const std::vector<std::string>&);
 int RunDisplay(Context&, const std::vector<std::string>&);
 int RunDiff(Context&, const std::vector<std::string>&);
 int RunOde(Context&, const std::vector<std::string>&);
+int RunContour(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
@@ -64,6 +65,11 @@ constexpr CommandEntry kCommands[] = {
      "  merida-cli ode --simult [--plane] --var Y --var2 Z --second G --width H --min A --max B --init Y0 "
      "--slope Z0 FORMULA",
      RunOde},
+    {"contour",
+     "contour --x A,B,N --y C,D,M [--levels K0,K1,D] FORMULA\n"
+     "  merida-cli contour --x A,B,N --y C,D,M --draw plot|cube|hide [--levels K0,K1,D] "
+     "[--color red|green|skyblue|yellow|multi] [--angles A,B] --out FILE.png|FILE.svg FORMULA",
+     RunContour},
 };
 }  // namespace merida::cli
 

@@ -85,13 +85,15 @@ GridResult EvaluateGrid(Engine& engine, std::string_view formula, const GridBoxe
   g.dy = (g.yMax - g.yMin) / g.ny;
   g.z.assign(static_cast<size_t>(g.nx + 1) * (g.ny + 1), 0.0);
 
-  std::vector<std::pair<std::string, double>> cells{{"x", 0.0}, {"y", 0.0}};
+  // x and y as number cells bound once, so that no point rebuilds the program.
+  sampler.setCellNames({"x", "y"});
+  double cells[2] = {0, 0};
   for (int i = 0; i <= g.ny; ++i) {
-    cells[1].second = g.y(i);
+    cells[1] = g.y(i);
     for (int j = 0; j <= g.nx; ++j) {
-      cells[0].second = g.x(j);
+      cells[0] = g.x(j);
       double z = 0;
-      PointStatus s = sampler.atCells(cells, z);
+      PointStatus s = sampler.atValues(cells[0], cells, z);
       if (s != PointStatus::kOk) {
         out.end = Failed(engine, s == PointStatus::kFault);
         return out;

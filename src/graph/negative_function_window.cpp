@@ -72,47 +72,24 @@ void SegmentPicture::paintEvent(QPaintEvent*) {
   for (const Segment& s : segments_) painter.drawLine(map(s.x1, s.y1), map(s.x2, s.y2));
 }
 
-namespace {
-
-QLineEdit* Box(const char* name, const char* text) {
-  auto* box = new QLineEdit(text);
-  box->setObjectName(name);
-  box->setMaximumWidth(90);
-  return box;
-}
-
-QGroupBox* AxisFrame(const char* name, QLineEdit* min, QLineEdit* max, QLabel* numLabel, QLineEdit* num) {
-  auto* frame = new QGroupBox;
-  frame->setObjectName(name);
-  auto* grid = new QGridLayout(frame);
-  grid->addWidget(min, 0, 0);
-  grid->addWidget(new QLabel(QStringLiteral("～")), 0, 1);
-  grid->addWidget(max, 0, 2);
-  grid->addWidget(numLabel, 1, 0, Qt::AlignRight);
-  grid->addWidget(num, 1, 2);
-  return frame;
-}
-
-}  // namespace
-
 NegativeFunctionWindow::NegativeFunctionWindow(Engine& engine, AppState& state,
                                                std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
   setObjectName("NegativeFunctionWindow");
   Picture1 = new SegmentPicture;
   Picture1->setObjectName("Picture1");
-  Text1 = Box("Text1", "-5");
-  Text2 = Box("Text2", "5");
-  Text3 = Box("Text3", "50");
-  Text4 = Box("Text4", "-5");
-  Text5 = Box("Text5", "5");
-  Text6 = Box("Text6", "50");
+  Text1 = makeBox("Text1", "-5");
+  Text2 = makeBox("Text2", "5");
+  Text3 = makeBox("Text3", "50");
+  Text4 = makeBox("Text4", "-5");
+  Text5 = makeBox("Text5", "5");
+  Text6 = makeBox("Text6", "50");
   Label3 = new QLabel;
   Label3->setObjectName("Label3");
   Label6 = new QLabel;
   Label6->setObjectName("Label6");
-  Frame1 = AxisFrame("Frame1", Text1, Text2, Label3, Text3);
-  Frame2 = AxisFrame("Frame2", Text4, Text5, Label6, Text6);
+  Frame1 = makeRangeFrame("Frame1", Text1, Text2, Label3, Text3);
+  Frame2 = makeRangeFrame("Frame2", Text4, Text5, Label6, Text6);
   Command1 = new QPushButton;
   Command1->setObjectName("Command1");
   Command2 = new QPushButton;

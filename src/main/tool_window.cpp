@@ -45,6 +45,14 @@ ToolWindow::ToolWindow(Engine& engine, AppState& state, QWidget* parent)
 }
 
 void ToolWindow::printWindow() {
+  printPage([this](QPainter& painter, const QRect& page) {
+    QPixmap image = grab();
+    QSize size = image.size().scaled(page.size(), Qt::KeepAspectRatio);
+    painter.drawPixmap(QRect(page.topLeft(), size), image);
+  });
+}
+
+void ToolWindow::printPage(const std::function<void(QPainter&, const QRect& page)>& paint) {
   QPrinter printer(QPrinter::HighResolution);
   if (QPrinterInfo::defaultPrinter().isNull()) {
     QString file = QFileDialog::getSaveFileName(this, windowTitle(), windowTitle() + ".pdf", "PDF (*.pdf)");
@@ -54,10 +62,7 @@ void ToolWindow::printWindow() {
   }
   QPainter painter(&printer);
   if (!painter.isActive()) return;
-  QPixmap image = grab();
-  QRect page = painter.viewport();
-  QSize size = image.size().scaled(page.size(), Qt::KeepAspectRatio);
-  painter.drawPixmap(QRect(page.topLeft(), size), image);
+  paint(painter, painter.viewport());
 }
 
 QPushButton* ToolWindow::makeButton(const char* name) {
@@ -97,6 +102,26 @@ QGroupBox* ToolWindow::makeBoxFrame(const char* frameName, QLineEdit*& box, cons
   auto* layout = new QVBoxLayout(frame);
   layout->setContentsMargins(6, 2, 6, 4);
   layout->addWidget(box);
+  return frame;
+}
+
+QLineEdit* ToolWindow::makeBox(const char* name, const char* text) {
+  auto* box = new QLineEdit(QString::fromUtf8(text));
+  box->setObjectName(QString::fromLatin1(name));
+  box->setMaximumWidth(90);
+  return box;
+}
+
+QGroupBox* ToolWindow::makeRangeFrame(const char* frameName, QLineEdit* min, QLineEdit* max, QLabel* countLabel,
+                                      QLineEdit* count) {
+  auto* frame = new QGroupBox;
+  frame->setObjectName(frameName);
+  auto* grid = new QGridLayout(frame);
+  grid->addWidget(min, 0, 0);
+  grid->addWidget(new QLabel(QStringLiteral("～")), 0, 1);
+  grid->addWidget(max, 0, 2);
+  grid->addWidget(countLabel, 1, 0, Qt::AlignRight);
+  grid->addWidget(count, 1, 2);
   return frame;
 }
 

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <QGroupBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPushButton>
 #include <QWidget>
+#include <functional>
 #include <initializer_list>
 
 #include "engine/engine.h"
@@ -25,6 +28,8 @@ class ToolWindow : public QWidget {
   bool japanese() const { return state_.japanese(); }
   // Prints the window as shown: the default printer, or a PDF the user names when none is set up.
   void printWindow();
+  // The same printer choice, with `paint` filling the page (in the printer's own resolution).
+  void printPage(const std::function<void(QPainter&, const QRect& page)>& paint);
   // A push button named (and objectName'd) as the code refers to it; Enter never presses it.
   QPushButton* makeButton(const char* name);
   // Closing stops a running computation.
@@ -35,6 +40,11 @@ class ToolWindow : public QWidget {
   void showEvent(QShowEvent* event) override;
   // A captioned frame holding one text box, both named as the code refers to them.
   static QGroupBox* makeBoxFrame(const char* frameName, QLineEdit*& box, const char* boxName);
+  // A named text box showing `text`, narrow enough for a number.
+  static QLineEdit* makeBox(const char* name, const char* text = "");
+  // A captioned frame with "min ～ max" on its first row and a captioned count box below.
+  static QGroupBox* makeRangeFrame(const char* frameName, QLineEdit* min, QLineEdit* max, QLabel* countLabel,
+                                   QLineEdit* count);
   // Enter in any of `boxes` presses `button`: the window's main action for those boxes.
   void pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButton* button);
 

@@ -83,6 +83,18 @@ LoadResult Failed(Engine& engine, RecordFunctionTable& table, int code) {
   return Refused(table);
 }
 
+// A text file read whole: the table takes it, and the boxes show the count and the range.
+LoadResult TextLoaded(RecordFunctionTable& table, const RecordFunctionTable& read, RecordKind kind) {
+  table = read;
+  table.kind = kind;
+  LoadResult r;
+  r.loaded = true;
+  r.boxes.text2 = std::to_string(table.count);
+  r.boxes.text3 = PlainText(table.rangeStart);
+  r.boxes.text4 = PlainText(table.rangeEnd);
+  return r;
+}
+
 }  // namespace
 
 DataFormat ReaderFor(std::string_view path) {
@@ -172,14 +184,7 @@ LoadResult ReadMeridaText(Engine& engine, std::istream& in, RecordFunctionTable&
     t.values[row][0] = *v;
   }
   if (fields.tooLong()) return Refused(table);
-  t.kind = MeridaTextData;
-  table = t;
-  LoadResult r;
-  r.loaded = true;
-  r.boxes.text2 = std::to_string(t.count);
-  r.boxes.text3 = PlainText(t.rangeStart);
-  r.boxes.text4 = PlainText(t.rangeEnd);
-  return r;
+  return TextLoaded(table, t, MeridaTextData);
 }
 
 LoadResult ReadOrbita(Engine& engine, std::istream& in, RecordFunctionTable& table) {
@@ -213,14 +218,7 @@ LoadResult ReadOrbita(Engine& engine, std::istream& in, RecordFunctionTable& tab
     if (first < 0) first = read;
   }
   t.count = static_cast<int16_t>(std::min<int64_t>(*n, RecordFunctionTable::kCapacity));
-  t.kind = OrbitaData;
-  table = t;
-  LoadResult r;
-  r.loaded = true;
-  r.boxes.text2 = std::to_string(t.count);
-  r.boxes.text3 = PlainText(t.rangeStart);
-  r.boxes.text4 = PlainText(t.rangeEnd);
-  return r;
+  return TextLoaded(table, t, OrbitaData);
 }
 
 LoadResult LoadDataFile(Engine& engine, RecordFunctionTable& table, const std::filesystem::path& path) {

@@ -1,0 +1,97 @@
+// The map's shapes mapped onto a painter's rectangle; text keeps its size whatever the scale.
+#include "contour/contour_paint.h"
+
+#include <QFontMetricsF>
+#include <QPaintDevice>
+#include <QPolygonF>
+#include <QSaveFile>
+#include <QSvgGenerator>
+#include <algorithm>
+#include <vector>
+
+namespace merida {
+namespace {
+
+QColor ToQColor(Rgb c) { return QColor(c.r, c.g, c.b); }
+
+}  // namespace
+
+void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, const MapStyle& style) {
+  painter.save();
+  painter.fillRect(target, style.paper);
+  painter.setRenderHint(QPainter::Antialiasing);
+  const double kx = target.width() / (scene.right - scene.left);
+  const double ky = target.height() / (scene.bottom - scene.top);
+  auto map = [&](const MapPoint& p) {
+    return QPointF(target.left() + (p.x - scene.left) * kx, target.top() + (p.y - scene.top) * ky);
+  };
+  // A pixel of a 96-dpi screen, whatever the device: a printer's lines are not hairlines.
+  QPaintDevice* device = painter.device();
+  const double pixel = device ? std::max(1.0, device->logicalDpiX() / 96.0) : 1.0;
+  const double width = (style.print ? 2 : 1) * pixel;
+  const QPen black(Qt::black, pixel);
+  const QFontMetricsF metrics(painter.font(), device);
+
+  std::vector<QPointF> points;
+  for (const MapItem& item : scene.items) {
+    const MapPoint* p = scene.pointsOf(item);
+    points.clear();
+    for (uint32_t k = 0; k < item.count; ++k) points.push_back(map(p[k]));
+    const QColor color = item.ink ? style.ink : ToQColor(item.color);
+    switch (item.kind) {
+      case MapItem::kLine:
+        painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(points[0], points[1]);
+        break;
+      case MapItem::kPolyline:
+        painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.drawPolyline(points.data(), static_cast<int>(points.size()));
+        break;
+      case MapItem::kPolygon:
+        painter.setBrush(color);
+        // Cells without an outline are edged in their own colour so that no seam shows.
+        painter.setPen(item.outline ? black : QPen(color, pixel));
+        painter.drawPolygon(points.data(), static_cast<int>(points.size()));
+        break;
+      case MapItem::kText: {
+        const QString text = QString::fromStdString(item.text);
+        const QSizeF size(metrics.horizontalAdvance(text), metrics.height());
+        QPointF corner = points[0] - QPointF(size.width() * (item.alignX + 1) / 2, size.height() * (item.alignY + 1) / 2);
+        painter.setPen(color);
+        painter.drawText(QRectF(corner, size), Qt::AlignCenter, text);
+        break;
+      }
+    }
+  }
+  painter.restore();
+}
+
+QImage RenderMap(const MapScene& scene, QSize size, const MapStyle& style, double devicePixelRatio) {
+  QImage image(size * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
+  image.setDevicePixelRatio(devicePixelRatio);
+  QPainter painter(&image);
+  PaintMap(painter, scene, QRectF(QPointF(0, 0), QSizeF(size)), style);
+  return image;
+}
+
+bool SaveMap(const MapScene& scene, const QString& path, QSize size, const MapStyle& style,
+             double devicePixelRatio) {
+  QSaveFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) return false;
+  if (path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) {
+    QSvgGenerator svg;
+    svg.setOutputDevice(&file);
+    svg.setSize(size);
+    svg.setViewBox(QRect(QPoint(0, 0), size));
+    svg.setResolution(96);
+    QPainter painter;
+    if (!painter.begin(&svg)) return false;
+    PaintMap(painter, scene, QRectF(QPointF(0, 0), QSizeF(size)), style);
+    painter.end();
+  } else {
+    if (!RenderMap(scene, size, style, devicePixelRatio).save(&file, "PNG")) return false;
+  }
+  return file.commit();
+}
+
+}  // namespace merida

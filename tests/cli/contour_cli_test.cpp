@@ -1,0 +1,156 @@
+// merida-cli contour: Label5, the segments of Plot, drawings written to files; errors and usage.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "contour/contour_plot.h"
+#include "engine/number_text.h"
+#include "test_support.h"
+
+namespace merida {
+namespace {
+
+struct ContourCliCase {
+  const char* name;
+  std::vector<std::string> args;
+  int status;
+  std::string out;
+  std::string err;
+};
+
+class ContourCliTest : public test::TempDirTest, public ::testing::WithParamInterface<ContourCliCase> {};
+
+TEST_P(ContourCliTest, PrintsWhatTheWindowShows) {
+  const ContourCliCase& c = GetParam();
+  std::vector<std::string> args{"contour"};
+  args.insert(args.end(), c.args.begin(), c.args.end());
+  test::CliResult r = test::RunCli(args);
+  EXPECT_EQ(r.status, c.status);
+  EXPECT_EQ(r.out, c.out);
+  EXPECT_EQ(r.err, c.err);
+}
+
+const std::string kUsage =
+    "usage: merida-cli contour --x A,B,N --y C,D,M [--levels K0,K1,D] FORMULA\n"
+    "  merida-cli contour --x A,B,N --y C,D,M --draw plot|cube|hide [--levels K0,K1,D] "
+    "[--color red|green|skyblue|yellow|multi] [--angles A,B] --out FILE.png|FILE.svg FORMULA\n";
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, ContourCliTest,
+    ::testing::Values(
+        ContourCliCase{"Calc", {"--x", "-2,2,20", "--y", "-2,2,20", "x^2+y^2"}, 0, "0 ～ 8\n", ""},
+        ContourCliCase{"CalcRounds", {"--x", "0,1,4", "--y", "-2.5,1,4", "y"}, 0, "-2 ～ 1\n", ""},
+        ContourCliCase{"CappedDivisions", {"--x", "-2,2,150", "--y", "-1,1,500", "x"}, 0, "-2 ～ 2\n",
+                       "Text3: 100\nText6: 100\n"},
+        ContourCliCase{"WrongVariable", {"--x", "0,1,4", "--y", "0,1,4", "x*t"}, 1, "",
+                       "error 32: 等高線の変数名はｘとｙだけです\n"},
+        ContourCliCase{"ThreeVariables", {"--x", "0,1,4", "--y", "0,1,4", "x*y*z"}, 1, "",
+                       "error 31: 等高線の変数は2個です\n"},
+        ContourCliCase{"ReversedRange", {"--x", "2,-2,20", "--y", "-2,2,20", "x"}, 1, "", ""},
+        ContourCliCase{"Overflow", {"--x", "0,100,4", "--y", "0,100,4", "exp(x*y)"}, 3, "", "fault: Overflow\n"},
+        ContourCliCase{"VertexOnTheLevel", {"--x", "0,2,1", "--y", "0,1,1", "--levels", "2,3,5", "x+2*y"}, 0,
+                       "0 ～ 4\n0 1 2 0\n", ""},
+        ContourCliCase{"HalfLevelsToEven", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "0.5,2.5,1", "x-0.5"}, 0,
+                       "0 ～ 4\n0.5 0 0.5 1\n1.5 0 1.5 1\n2.5 0 2.5 1\n", ""},
+        ContourCliCase{"CappedStep", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "0,400,150", "x-0.5"}, 0,
+                       "0 ～ 4\n0.5 0 0.5 1\n", "Text9: 100\n"},
+        ContourCliCase{"LowestNotBelowHighest", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "2.5,1.5,1", "x"}, 1,
+                       "0 ～ 4\n", ""},
+        ContourCliCase{"LevelError", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "1,4*,1", "x"}, 1, "0 ～ 4\n",
+                       "error 22: 文法エラーです\n"},
+        ContourCliCase{"MissingY", {"--x", "0,4,4", "x"}, 2, "", kUsage},
+        ContourCliCase{"TwoPartRange", {"--x", "0,4", "--y", "0,1,1", "x"}, 2, "", kUsage},
+        ContourCliCase{"DrawWithoutOut", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "hide", "x"}, 2, "", kUsage},
+        ContourCliCase{"OutWithoutDraw", {"--x", "0,4,4", "--y", "0,1,1", "--out", "a.png", "x"}, 2, "", kUsage},
+        ContourCliCase{"UnknownDrawing", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "mesh", "--out", "a.png", "x"},
+                       2, "", kUsage},
+        ContourCliCase{"UnknownImage", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--out", "a.gif", "x"}, 2,
+                       "", kUsage},
+        ContourCliCase{"UnknownColor",
+                       {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--color", "pink", "--out", "a.png", "x"},
+                       2, "", kUsage},
+        ContourCliCase{"ColorWithoutDraw", {"--x", "0,4,4", "--y", "0,1,1", "--color", "red", "x"}, 2, "", kUsage},
+        ContourCliCase{"AngleNotANumber",
+                       {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--angles", "a,30", "--out", "a.png", "x"},
+                       2, "", kUsage}),
+    [](const ::testing::TestParamInfo<ContourCliCase>& p) { return std::string(p.param.name); });
+
+class ContourCliFiles : public test::TempDirTest {
+ protected:
+  std::string read(const std::string& name) const {
+    std::ifstream in(dir_ / name, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+  }
+};
+
+// The command draws what the window's logic draws, segment for segment.
+TEST_F(ContourCliFiles, PlotLinesAreTheWindowsSegments) {
+  test::CliResult r =
+      test::RunCli({"contour", "--x", "-2,2,20", "--y", "-2,2,20", "--levels", "1,4,1", "x^2+y^2"});
+  ASSERT_EQ(r.status, 0);
+  test::RecordingHost host;
+  Engine engine(host);
+  engine.ResetEngine();
+  GridResult grid = EvaluateGrid(engine, "x^2+y^2", GridBoxes{"-2", "2", "20", "-2", "2", "20"}, false);
+  std::vector<Segment> segments;
+  ASSERT_TRUE(ContourLines(grid.grid, {1, 4, 1}, nullptr, segments));
+  std::string expected = "0 ～ 8\n";
+  for (const Segment& s : segments) {
+    expected += PlainText(s.x1) + " " + PlainText(s.y1) + " " + PlainText(s.x2) + " " + PlainText(s.y2) + "\n";
+  }
+  EXPECT_GT(segments.size(), 100u);
+  EXPECT_EQ(r.out, expected);
+}
+
+#ifdef MERIDA_CLI_DRAWS
+TEST_F(ContourCliFiles, DrawingsAreWrittenAsPngOrSvg) {
+  struct Case {
+    std::vector<std::string> options;
+    const char* file;
+    std::string err;
+  };
+  const Case cases[] = {
+      {{"--draw", "plot", "--levels", "1,4,1"}, "plot.png", ""},
+      {{"--draw", "plot", "--color", "multi"}, "plan.png", ""},
+      {{"--draw", "cube"}, "cube.svg", ""},
+      {{"--draw", "hide", "--color", "red", "--angles", "-10,200"}, "hide.png", "Text1: 0\nText2: 180\n"},
+      {{"--draw", "hide", "--angles", "100,100"}, "reset.png", "Text1: 20\nText2: 30\n"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file);
+    std::vector<std::string> args{"contour", "--x", "-2,2,20", "--y", "-2,2,20"};
+    args.insert(args.end(), c.options.begin(), c.options.end());
+    args.insert(args.end(), {"--out", c.file, "x^2+y^2"});
+    test::CliResult r = test::RunCli(args);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_EQ(r.out, "0 ～ 8\n");
+    EXPECT_EQ(r.err, c.err);
+    const std::string data = read(c.file);
+    if (std::string(c.file).ends_with(".png")) {
+      ASSERT_GE(data.size(), 24u);
+      EXPECT_EQ(data.substr(0, 8), "\x89PNG\r\n\x1a\n");
+      EXPECT_EQ(data.substr(16, 8), std::string("\0\0\x02\x80\0\0\x02\x80", 8));  // 640 x 640
+    } else {
+      EXPECT_NE(data.find("<svg"), std::string::npos);
+      EXPECT_NE(data.find("</svg>"), std::string::npos);
+    }
+  }
+}
+
+TEST_F(ContourCliFiles, AFileThatCannotBeWrittenFails) {
+  test::CliResult r = test::RunCli(
+      {"contour", "--x", "0,1,2", "--y", "0,1,2", "--draw", "cube", "--out", "no/such/dir/a.png", "x"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "merida-cli: cannot write no/such/dir/a.png\n");
+  EXPECT_FALSE(std::filesystem::exists(dir_ / "no"));
+}
+#endif
+
+}  // namespace
+}  // namespace merida

@@ -862,4 +862,91 @@
         <translation>中止</translation>
     </message>
 </context>
+<context>
+    <name>merida::IntersectionWindow</name>
+    <message>
+        <source>Intersection Point</source>
+        <translation>根</translation>
+    </message>
+    <message>
+        <source>Min</source>
+        <translation>始点</translation>
+    </message>
+    <message>
+        <source>Max</source>
+        <translation>終点</translation>
+    </message>
+    <message>
+        <source>Num</source>
+        <translation>分割数</translation>
+    </message>
+    <message>
+        <source>Jugde Val</source>
+        <translation>判定値</translation>
+    </message>
+    <message>
+        <source>Second Function</source>
+        <translation>第2関数</translation>
+    </message>
+    <message>
+        <source>Polynomial</source>
+        <translation>多項式</translation>
+    </message>
+    <message>
+        <source>Integer tolerance</source>
+        <translation>整数化の許容誤差</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>Inter</source>
+        <translation>交点</translation>
+    </message>
+    <message>
+        <source>Seek</source>
+        <translation>求根</translation>
+    </message>
+    <message>
+        <source>Arrange</source>
+        <translation>整理</translation>
+    </message>
+    <message>
+        <source>Factor</source>
+        <translation>因数</translation>
+    </message>
+    <message>
+        <source>Expand</source>
+        <translation>展開</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>ｺﾋﾟｰ</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Graph</source>
+        <translation>ｸﾞﾗﾌ</translation>
+    </message>
+    <message>
+        <source>Integer</source>
+        <translation>整数化</translation>
+    </message>
+    <message>
+        <source>Coeff</source>
+        <translation>係数</translation>
+    </message>
+    <message>
+        <source>Seek found no factor: the method did not converge.</source>
+        <translation>求根できませんでした（収束しません）</translation>
+    </message>
+</context>
 </TS>

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "algebra/prime_window.h"
+#include "algebra/root_window.h"
 #include "algebra/simult_window.h"
 #include "calculus/delay_window.h"
 #include "calculus/diff_window.h"
@@ -69,6 +70,10 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   main.setToolOpener(7, Opener<IntegrationWindow>([=] { return new IntegrationWindow(*e, *s, mainFormula, m); }));
   main.setToolOpener(14, Opener<DelayWindow>([=] { return new DelayWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(9, Opener<DiffWindow>([=] { return new DiffWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
+  main.setToolOpener(10, Opener<IntersectionWindow>([=] {
+    return new IntersectionWindow(
+        *e, *s, [m] { return m->formulaText(); }, [m](const QString& text) { m->setFormulaText(text); }, m);
+  }));
   main.setToolOpener(11, Opener<ContourWindow>([=] { return new ContourWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
   main.setToolOpener(15, Opener<WaveWindow>([=] { return new WaveWindow(*e, *s, [m] { return m->formulaText(); }, m); }));

@@ -45,5 +45,19 @@ TEST_F(ToolWiring, FunctionChosenDuringAParametricSetUpGoesToTheActiveBox) {
   EXPECT_EQ(main().formulaText(), "sq(t)=t*t");
 }
 
+TEST_F(ToolWiring, AlgebraButtonsOpenTheirWindows) {
+  start();
+  struct Row {
+    int command;
+    const char* objectName;
+  };
+  for (Row r : {Row{10, "IntersectionWindow"}, Row{13, "SimultWindow"}, Row{16, "SimultWindow"}, Row{20, "PrimeWindow"}}) {
+    press(r.command);
+    QWidget* w = window(QString::fromLatin1(r.objectName));
+    ASSERT_NE(w, nullptr) << r.command;
+    EXPECT_TRUE(w->isVisible()) << r.command;
+  }
+}
+
 }  // namespace
 }  // namespace merida::test

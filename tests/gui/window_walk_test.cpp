@@ -131,6 +131,14 @@ TEST_P(EveryWindow, EveryCaptionFitsItsButton) {
     click(load, "Command3");
     if (QWidget* display = window(QStringLiteral("FileDisplayWindow"))) click(display, "Command1");
   }
+  // The Intersection Point window with a chart and a list.
+  main().setFormulaText("x^2-4");
+  QWidget* inter = window(QStringLiteral("IntersectionWindow"));
+  ASSERT_NE(inter, nullptr);
+  child<QLineEdit>(inter, "Text1")->setText("-3");
+  child<QLineEdit>(inter, "Text2")->setText("3");
+  if (auto* graphCheck = child<QAbstractButton>(inter, "Check1")) graphCheck->click();
+  click(inter, "Command1");
   checkOpenWindows();
 
   press(13);

@@ -1,0 +1,68 @@
+// The Intersection Point window: roots and intersections on an interval, and the polynomial tools.
+#pragma once
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <functional>
+#include <vector>
+
+#include "algebra/polynomial.h"
+#include "algebra/roots.h"
+#include "controls/chart_widget.h"
+#include "main/tool_window.h"
+
+namespace merida {
+
+class IntersectionWindow : public ToolWindow {
+  Q_OBJECT
+
+ public:
+  // `formula` reads the main window's formula box when an action starts; Copy writes it
+  // through `setFormula`.
+  IntersectionWindow(Engine& engine, AppState& state, std::function<QString()> formula,
+                     std::function<void(const QString&)> setFormula, QWidget* parent = nullptr);
+
+  void retranslate() override;
+  bool running() const { return running_; }
+  // The check boxes' values: 1 on, -1 off.
+  int16_t graphOn() const { return graphOn_; }
+  int16_t roundOn() const { return roundOn_; }
+  int16_t coefficientOn() const { return coefficientOn_; }
+  double judgeValue() const { return judgeValue_; }
+  const std::vector<double>& rootX() const { return rootX_; }
+
+  QGroupBox *Frame1, *Frame2, *Frame3, *Frame4, *Frame5, *Frame6;
+  QLineEdit *Text1, *Text2, *Text3, *Text4, *Text5, *Text6, *Text7;
+  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8, *Command9;
+  QCheckBox *Check1, *Check2, *Check3;
+  QListWidget* List1;
+  ChartWidget* Graph1;
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  RootBoxes boxes() const;
+  void go();
+  void inter();
+  void showSearch(const RootResult& r);
+  void showPolynomial(const PolyResult& r);
+  void runPolynomial(const std::function<PolyResult()>& tool);
+  void copyRoot(int row);
+  // A check box's click negates its value; the tick follows it.
+  void connectToggle(QCheckBox* box, int16_t& value);
+  void setLines(const std::vector<std::string>& lines);
+
+  std::function<QString()> formula_;
+  std::function<void(const QString&)> setFormula_;
+  PolynomialTools tools_;
+  int16_t graphOn_ = -1, roundOn_ = -1, coefficientOn_ = -1;
+  double judgeValue_ = 1e-7;
+  std::vector<double> rootX_;
+  bool running_ = false;
+};
+
+}  // namespace merida

@@ -15,13 +15,6 @@ namespace {
 
 std::string Text(const QLineEdit* box) { return box->text().toStdString(); }
 
-QList<QPointF> ToList(const std::vector<ChartPoint>& points) {
-  QList<QPointF> list;
-  list.reserve(static_cast<qsizetype>(points.size()));
-  for (const ChartPoint& p : points) list.append(QPointF(p.x, p.y));
-  return list;
-}
-
 }  // namespace
 
 IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::function<QString()> formula,
@@ -192,8 +185,8 @@ void IntersectionWindow::showSearch(const RootResult& r) {
   rootX_ = r.rootX;
   setLines(r.lines);
   if (graphOn_ > 0) {
-    Graph1->setPoints(1, ToList(r.curve1));
-    Graph1->setPoints(2, ToList(r.curve2));
+    Graph1->setPoints(1, r.curve1);
+    Graph1->setPoints(2, r.curve2);
     Graph1->draw();
   }
 }

@@ -94,10 +94,7 @@ void DelayWindow::go() {
   if (r.stepBox) Text1->setText(QString::fromStdString(*r.stepBox));
   // A run that read its initial values shows what it computed, up to an error or a stop.
   if (r.largestDelay > 0 && !r.points.empty()) {
-    QList<QPointF> points;
-    points.reserve(static_cast<qsizetype>(r.points.size()));
-    for (const ChartPoint& p : r.points) points.append(QPointF(p.x, p.y));
-    Graph1->setPoints(1, std::move(points));
+    Graph1->setPoints(1, r.points);
   }
   Graph1->draw();
 }

@@ -168,15 +168,9 @@ void DiffWindow::display(const DiffResult& r) {
   // A computation that began shows exactly the points it reached; one that never began
   // (a bad name or step, a formula error) redraws the previous points.
   if (r.started) {
-    auto toList = [](const std::vector<ChartPoint>& points) {
-      QList<QPointF> list;
-      list.reserve(static_cast<qsizetype>(points.size()));
-      for (const ChartPoint& p : points) list.append(QPointF(p.x, p.y));
-      return list;
-    };
     Graph1->setDataSets(r.dataSets);
-    Graph1->setPoints(1, toList(r.points));
-    Graph1->setPoints(2, toList(r.points2));
+    Graph1->setPoints(1, r.points);
+    Graph1->setPoints(2, r.points2);
   }
   Graph1->draw();
 }

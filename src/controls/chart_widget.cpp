@@ -172,6 +172,13 @@ void ChartWidget::setPoint(int set, int index, double x, double y) {
   points_[set - 1][index - 1] = QPointF(x, y);
 }
 
+void ChartWidget::setPoints(int set, const std::vector<ChartPoint>& points) {
+  QList<QPointF> list;
+  list.reserve(static_cast<qsizetype>(points.size()));
+  for (const ChartPoint& p : points) list.append(QPointF(p.x, p.y));
+  setPoints(set, std::move(list));
+}
+
 void ChartWidget::setPoints(int set, QList<QPointF> points) {
   if (set < 1 || set > 2) return;
   points_[set - 1] = std::move(points);

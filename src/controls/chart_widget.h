@@ -8,6 +8,9 @@
 #include <QPointF>
 #include <QValueAxis>
 #include <array>
+#include <vector>
+
+#include "graph/graph_plot.h"
 
 namespace merida {
 
@@ -42,6 +45,8 @@ class ChartWidget : public QChartView {
   int pointCount(int set = 1) const;
   void setPoint(int set, int index, double x, double y);
   void setPoints(int set, QList<QPointF> points);
+  // The points a tool's logic computed.
+  void setPoints(int set, const std::vector<ChartPoint>& points);
   QList<QPointF> points(int set = 1) const;
 
   // Redraws the whole graph from the stored points; both axes scale to the data.

@@ -102,7 +102,7 @@ void GraphWindow::prepare() {
     Graph1->setGraphType(ChartWidget::Type::kLine);
     Graph1->setThinLines(false);
     Graph1->setEqualScale(false);
-    Graph1->setPoints(1, {});
+    Graph1->setPoints(1, QList<QPointF>());
     Graph1->draw();
   }
   Text3->setText(QString::number(state_.DivisionCount));
@@ -146,10 +146,7 @@ void GraphWindow::display(const PlotResult& r) {
   // A plot that started shows exactly the points it computed; one that never started (formula
   // error, unusable range, Log with nothing to replot) leaves the previous points to redraw.
   if (r.pointCount > 0) {
-    QList<QPointF> points;
-    points.reserve(static_cast<qsizetype>(r.points.size()));
-    for (const ChartPoint& p : r.points) points.append(QPointF(p.x, p.y));
-    Graph1->setPoints(1, std::move(points));
+    Graph1->setPoints(1, r.points);
   }
   Graph1->draw();
 }

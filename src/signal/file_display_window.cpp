@@ -44,11 +44,7 @@ void FileDisplayWindow::retranslate() {
 }
 
 void FileDisplayWindow::display() {
-  const std::vector<ChartPoint> points = FileDisplayPoints(state_.Records);
-  QList<QPointF> list;
-  list.reserve(static_cast<qsizetype>(points.size()));
-  for (const ChartPoint& p : points) list.append(QPointF(p.x, p.y));
-  Graph1->setPoints(1, list);
+  Graph1->setPoints(1, FileDisplayPoints(state_.Records));
   Graph1->draw();
 }
 

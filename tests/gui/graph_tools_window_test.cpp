@@ -141,7 +141,7 @@ TEST_F(ToolWindowsTest, ChartScalesAConstantAndAnEmptySet) {
   chart.setPoint(1, 4, 9, 9);  // beyond the count: ignored
   chart.draw();
   EXPECT_EQ(chart.drawnSeries(1)[0]->points(), (QList<QPointF>{QPointF(-1, 5), QPointF(1, 3), QPointF(2, 7)}));
-  chart.setPoints(1, {});
+  chart.setPoints(1, QList<QPointF>());
   chart.setGraphType(ChartWidget::Type::kLogLin);
   chart.draw();
   EXPECT_TRUE(chart.drawnSeries(1).isEmpty());

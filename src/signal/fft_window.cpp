@@ -51,7 +51,8 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   checks->addWidget(Check3, 1, 0);
   checks->addWidget(Check4, 1, 1);
   auto* buttons = new QGridLayout;
-  QPushButton* order[] = {Command1, Command3, Command4, Command5, Command7, Command6, Command8, Command2};
+  // 3D last: while it is hidden it leaves no gap between the others.
+  QPushButton* order[] = {Command1, Command3, Command4, Command5, Command8, Command6, Command2, Command7};
   for (int k = 0; k < 8; ++k) buttons->addWidget(order[k], k / 2, k % 2);
   auto* side = new QVBoxLayout;
   side->addWidget(Frame1);

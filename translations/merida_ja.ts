@@ -863,6 +863,53 @@
     </message>
 </context>
 <context>
+    <name>merida::FftWindow</name>
+    <message>
+        <source>Num</source>
+        <translation>分割</translation>
+    </message>
+    <message>
+        <source>Average</source>
+        <translation>平均</translation>
+    </message>
+    <message>
+        <source>Continue</source>
+        <translation>連続</translation>
+    </message>
+    <message>
+        <source>Go</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Fourier</source>
+        <translation>ﾌｰﾘｴ</translation>
+    </message>
+    <message>
+        <source>Power</source>
+        <translation>ﾊﾟﾜｰ</translation>
+    </message>
+    <message>
+        <source>Self Corr</source>
+        <translation>自己</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>ﾃﾞｰﾀ</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>The 3-D surface is not available yet.</source>
+        <translation>３次元表示はまだ使えません。</translation>
+    </message>
+</context>
+<context>
     <name>merida::IntersectionWindow</name>
     <message>
         <source>Intersection Point</source>

@@ -17,6 +17,7 @@
 #include "help/help_window.h"
 #include "main/function_list_window.h"
 #include "main/pad_window.h"
+#include "signal/fft_window.h"
 #include "signal/load_window.h"
 #include "signal/wave_window.h"
 
@@ -77,6 +78,7 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   main.setToolOpener(11, Opener<ContourWindow>([=] { return new ContourWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(12, Opener<PadWindow>([=] { return new PadWindow(*e, *s, *m, m); }));
   main.setToolOpener(15, Opener<WaveWindow>([=] { return new WaveWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
+  main.setToolOpener(17, Opener<FftWindow>([=] { return new FftWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(18, Opener<LoadWindow>([=] { return new LoadWindow(*e, *s, m); }));
 }
 

@@ -131,6 +131,13 @@ TEST_P(EveryWindow, EveryCaptionFitsItsButton) {
     click(load, "Command3");
     if (QWidget* display = window(QStringLiteral("FileDisplayWindow"))) click(display, "Command1");
   }
+  // The FFT window with a power spectrum drawn and its mode boxes shown.
+  if (QWidget* fft = window(QStringLiteral("FftWindow"))) {
+    main().setFormulaText("sin(2*PI*5*x)");
+    click(fft, "Command1");
+    click(fft, "Command4");
+    if (auto* wave = child<QAbstractButton>(fft, "Check1")) wave->click();
+  }
   // The Intersection Point window with a chart and a list.
   main().setFormulaText("x^2-4");
   QWidget* inter = window(QStringLiteral("IntersectionWindow"));

@@ -1,0 +1,182 @@
+// The FFT window: controls wired to signal/frequency; Continue plays its frames on the chart.
+#include "signal/fft_window.h"
+
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include "stats/stat_data_window.h"
+
+namespace merida {
+
+FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
+    : ToolWindow(engine, state, parent), formula_(std::move(formula)), analysis_(engine, state) {
+  setObjectName("FftWindow");
+  Text1 = makeBox("Text1", "0");
+  Text2 = makeBox("Text2", "1");
+  Text3 = makeBox("Text3", "128");
+  Label2 = new QLabel;
+  Label2->setObjectName("Label2");
+  Frame1 = makeRangeFrame("Frame1", Text1, Text2, Label2, Text3);
+  auto makeCheck = [this](const char* name) {
+    auto* check = new QCheckBox(this);
+    check->setObjectName(QString::fromLatin1(name));
+    return check;
+  };
+  Check1 = makeCheck("Check1");
+  Check2 = makeCheck("Check2");
+  Check3 = makeCheck("Check3");
+  Check4 = makeCheck("Check4");
+  Command1 = makeButton("Command1");
+  Command3 = makeButton("Command3");
+  Command4 = makeButton("Command4");
+  Command5 = makeButton("Command5");
+  Command7 = makeButton("Command7");
+  Command6 = makeButton("Command6");
+  Command8 = makeButton("Command8");
+  Command2 = makeButton("Command2");
+  Label3 = new QLabel;
+  Label3->setObjectName("Label3");
+  Label3->setFrameShape(QFrame::Panel);
+  Label3->setFrameShadow(QFrame::Sunken);
+  Graph1 = new ChartWidget;
+  Graph1->setObjectName("Graph1");
+  Graph1->setMinimumSize(480, 340);
+
+  auto* checks = new QGridLayout;
+  checks->addWidget(Check1, 0, 0);
+  checks->addWidget(Check2, 0, 1);
+  checks->addWidget(Check3, 1, 0);
+  checks->addWidget(Check4, 1, 1);
+  auto* buttons = new QGridLayout;
+  // 3D last: while it is hidden it leaves no gap between the others.
+  QPushButton* order[] = {Command1, Command3, Command4, Command5, Command8, Command6, Command2, Command7};
+  for (int k = 0; k < 8; ++k) buttons->addWidget(order[k], k / 2, k % 2);
+  auto* side = new QVBoxLayout;
+  side->addWidget(Frame1);
+  side->addLayout(checks);
+  side->addSpacing(6);
+  side->addLayout(buttons);
+  side->addStretch(1);
+  auto* chart = new QVBoxLayout;
+  chart->addWidget(Graph1, 1);
+  chart->addWidget(Label3);
+  auto* layout = new QHBoxLayout(this);
+  layout->addLayout(chart, 1);
+  layout->addLayout(side);
+  resize(800, 480);
+
+  connect(Command1, &QPushButton::clicked, this, &FftWindow::go);
+  connect(Command3, &QPushButton::clicked, this, [this] { display(FftShow::kFourier); });
+  connect(Command4, &QPushButton::clicked, this, [this] { display(FftShow::kPower); });
+  connect(Command5, &QPushButton::clicked, this, [this] { display(FftShow::kCorrelation); });
+  connect(Command7, &QPushButton::clicked, this, [this] {
+    QMessageBox::information(this, windowTitle(), tr("The 3-D surface is not available yet."));
+  });
+  connect(Command6, &QPushButton::clicked, this, [this] { printWindow(); });
+  connect(Command8, &QPushButton::clicked, this, [this] {
+    StatDataWindow* w = statDataWindow();
+    w->load();
+    w->show();
+    w->raise();
+  });
+  connect(Command2, &QPushButton::clicked, this, &QWidget::close);
+  connect(Check1, &QCheckBox::clicked, this, [this] { tickSource(Check1, Check2); });
+  connect(Check2, &QCheckBox::clicked, this, [this] { tickSource(Check2, Check1); });
+  connect(Check3, &QCheckBox::clicked, this, [this] { tickMode(Check3, Check4); });
+  connect(Check4, &QCheckBox::clicked, this, [this] { tickMode(Check4, Check3); });
+  pressOnEnter({Text1, Text2, Text3}, Command1);
+
+  retranslate();
+  tickSource(Check1, Check2);
+  Command7->hide();
+  Command7->setEnabled(false);
+  Graph1->setGraphType(ChartWidget::Type::kLine);
+  Graph1->setGridBothWays(true);
+  Graph1->setDataSets(1);
+  Graph1->draw();
+}
+
+void FftWindow::retranslate() {
+  setWindowTitle(QStringLiteral("ＦＦＴ"));
+  Label2->setText(tr("Num"));
+  Check1->setText(QStringLiteral("WAVE"));
+  Check2->setText(QStringLiteral("MRD"));
+  Check3->setText(tr("Average"));
+  Check4->setText(tr("Continue"));
+  Command1->setText(tr("Go"));
+  Command3->setText(tr("Fourier"));
+  Command4->setText(tr("Power"));
+  Command5->setText(tr("Self Corr"));
+  Command7->setText(QStringLiteral("3D"));
+  Command6->setText(tr("Print"));
+  Command8->setText(tr("Data"));
+  Command2->setText(tr("Close"));
+}
+
+FftSource FftWindow::source() const {
+  return Check1->isChecked() ? FftSource::kWave : Check2->isChecked() ? FftSource::kMerida : FftSource::kFormula;
+}
+
+FftMode FftWindow::mode() const {
+  return Check3->isChecked() ? FftMode::kAverage : Check4->isChecked() ? FftMode::kContinue : FftMode::kOneFrame;
+}
+
+StatDataWindow* FftWindow::statDataWindow() {
+  if (!data_) data_ = new StatDataWindow(engine_, state_, this);
+  return data_;
+}
+
+void FftWindow::tickSource(QCheckBox* ticked, QCheckBox* other) {
+  if (ticked->isChecked()) other->setChecked(false);
+  const bool recorded = source() != FftSource::kFormula;
+  for (QCheckBox* modeBox : {Check3, Check4}) {
+    if (!recorded) modeBox->setChecked(false);
+    modeBox->setVisible(recorded);
+  }
+}
+
+void FftWindow::tickMode(QCheckBox* ticked, QCheckBox* other) {
+  if (ticked->isChecked()) other->setChecked(false);
+}
+
+void FftWindow::setStatus(FftStatus status) { Label3->setText(QString::fromUtf8(FftStatusText(status, japanese()))); }
+
+void FftWindow::drawPoints(const std::vector<ChartPoint>& points) {
+  QList<QPointF> list;
+  list.reserve(static_cast<qsizetype>(points.size()));
+  for (const ChartPoint& p : points) list.append(QPointF(p.x, p.y));
+  Graph1->setPoints(1, list);
+  Graph1->draw();
+}
+
+void FftWindow::go() {
+  if (running_) return;  // events run while sampling; one action at a time
+  running_ = true;
+  setStatus(FftStatus::kCalculating);
+  const FftBoxes boxes{Text1->text().toStdString(), Text2->text().toStdString(), Text3->text().toStdString()};
+  const FftGoResult r = analysis_.go(formula_().toStdString(), boxes, source());
+  running_ = false;
+  if (r.numBox) Text3->setText(QString::fromStdString(*r.numBox));
+  if (r.end == FftEnd::kDone) setStatus(FftStatus::kFinished);
+}
+
+void FftWindow::display(FftShow what) {
+  if (running_) return;
+  running_ = true;
+  engine_.StopRequested = 0;  // a Close of an earlier run must not end this one
+  const FftDisplayResult r = analysis_.display(what, mode(), [this](const std::vector<ChartPoint>& points) {
+    drawPoints(points);
+  });
+  running_ = false;
+  if (r.end == FftEnd::kError) return;
+  Command7->setVisible(r.show3D);
+  Command7->setEnabled(r.show3D);
+  if (r.end != FftEnd::kDone) return;
+  drawPoints(r.points);
+  setStatus(r.status);
+}
+
+}  // namespace merida

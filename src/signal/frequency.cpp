@@ -136,6 +136,7 @@ FftDisplayResult FrequencyAnalysis::display(FftShow show, FftMode mode,
                                             const std::function<void(const std::vector<ChartPoint>&)>& frame) {
   FftDisplayResult r;
   engine_.ErrorFlag = 0;
+  engine_.StopRequested = 0;  // a Close of another tool window must not end this display
   if (!computed_) {
     engine_.Fail(kNotComputedError);
     r.end = FftEnd::kError;

@@ -904,9 +904,36 @@
         <source>Close</source>
         <translation>中止</translation>
     </message>
+</context>
+<context>
+    <name>merida::SpectrumWindow</name>
     <message>
-        <source>The 3-D surface is not available yet.</source>
-        <translation>３次元表示はまだ使えません。</translation>
+        <source>Time Continuous Spectrum</source>
+        <translation>周波数分析</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+    <message>
+        <source>The surface cannot be drawn: OpenGL is not available here.</source>
+        <translation>OpenGL が使えないため、曲面を表示できません。</translation>
+    </message>
+    <message>
+        <source>Frequency</source>
+        <translation>周波数</translation>
+    </message>
+    <message>
+        <source>Percent</source>
+        <translation>％</translation>
+    </message>
+    <message>
+        <source>Frame</source>
+        <translation>フレーム</translation>
     </message>
 </context>
 <context>

@@ -3,10 +3,10 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QMessageBox>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "signal/spectrum3d_window.h"
 #include "stats/stat_data_window.h"
 
 namespace merida {
@@ -73,7 +73,10 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   connect(Command4, &QPushButton::clicked, this, [this] { display(FftShow::kPower); });
   connect(Command5, &QPushButton::clicked, this, [this] { display(FftShow::kCorrelation); });
   connect(Command7, &QPushButton::clicked, this, [this] {
-    QMessageBox::information(this, windowTitle(), tr("The 3-D surface is not available yet."));
+    SpectrumWindow* w = spectrumWindow();
+    w->setMatrix(analysis_.continuousMatrix());
+    w->show();
+    w->raise();
   });
   connect(Command6, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Command8, &QPushButton::clicked, this, [this] {
@@ -122,6 +125,11 @@ FftSource FftWindow::source() const {
 
 FftMode FftWindow::mode() const {
   return Check3->isChecked() ? FftMode::kAverage : Check4->isChecked() ? FftMode::kContinue : FftMode::kOneFrame;
+}
+
+SpectrumWindow* FftWindow::spectrumWindow() {
+  if (!spectrum_) spectrum_ = new SpectrumWindow(engine_, state_, this);
+  return spectrum_;
 }
 
 StatDataWindow* FftWindow::statDataWindow() {

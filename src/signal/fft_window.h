@@ -15,6 +15,7 @@
 
 namespace merida {
 
+class SpectrumWindow;
 class StatDataWindow;
 
 class FftWindow : public ToolWindow {
@@ -29,6 +30,7 @@ class FftWindow : public ToolWindow {
   FftMode mode() const;
   bool running() const { return running_; }
   StatDataWindow* statDataWindow();
+  SpectrumWindow* spectrumWindow();
 
   QGroupBox* Frame1;
   QLineEdit *Text1, *Text2, *Text3;
@@ -50,6 +52,7 @@ class FftWindow : public ToolWindow {
   FrequencyAnalysis analysis_;
   bool running_ = false;
   QPointer<StatDataWindow> data_;
+  QPointer<SpectrumWindow> spectrum_;
 };
 
 }  // namespace merida

@@ -1,0 +1,47 @@
+// The Time Continuous Spectrum window: the power of successive frames as a surface.
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+#include <QtDataVisualization/Q3DSurface>
+#include <QtDataVisualization/QSurfaceDataArray>
+#include <vector>
+
+#include "main/tool_window.h"
+
+namespace merida {
+
+// One surface row per frame, one item per frequency point: x the point, y the percent, z the frame.
+// The caller owns the array (or hands it to a QSurfaceDataProxy, which takes it).
+QSurfaceDataArray* SurfaceRows(const std::vector<std::vector<float>>& matrix);
+
+// Whether this session can draw with OpenGL at all; a surface without a context would crash.
+bool OpenGlAvailable();
+
+class SpectrumWindow : public ToolWindow {
+  Q_OBJECT
+
+ public:
+  SpectrumWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
+
+  void retranslate() override;
+  // Rows are frames, columns frequency points, values in percent.
+  void setMatrix(const std::vector<std::vector<float>>& matrix);
+
+  QPushButton *Command1, *Command2;
+  QLabel* NoGraphics = nullptr;       // shown instead of the surface when there is no OpenGL
+  QWidget* Container = nullptr;       // holds the surface when there is
+  QSurface3DSeries* series() const { return series_; }
+  // The size of the matrix last handed over, drawn or not.
+  int frames() const { return frames_; }
+  int points() const { return points_; }
+
+ private:
+  void print();
+
+  Q3DSurface* graph_ = nullptr;
+  QSurface3DSeries* series_ = nullptr;
+  int frames_ = 0, points_ = 0;
+};
+
+}  // namespace merida

@@ -43,6 +43,7 @@ bench:
 	./build/bench/bench/roots_bench
 	./build/bench/bench/polynomial_bench
 	./build/bench/bench/signal_bench
+	./build/bench/bench/fft_bench
 	./build/bench/bench/graph_chart_bench
 	./build/bench/bench/diff_bench
 	./build/bench/bench/contour_bench

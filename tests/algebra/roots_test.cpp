@@ -56,6 +56,8 @@ INSTANTIATE_TEST_SUITE_P(
         RootsCase{"RootsAtSamples", "x^2-1", {"-2", "2", "4", "1E-07"}, false, RootEnd::kListed, {"x=-1", "x= 1"}, {}},
         RootsCase{"RootAtTheEnds", "x*(x-1)", {"0", "1", "2", "1E-07"}, false, RootEnd::kListed, {"x= 0", "x= 1"}, {}},
         RootsCase{"Integer", "x^2-2", {"0", "2", "10", "1E-07"}, true, RootEnd::kListed, {"x= 1.41"}, {}},
+        RootsCase{"IntegerAtLargeMagnitudes", "x-1234.5678", {"1000", "2000", "7", "1E-07"}, true, RootEnd::kListed,
+                  {"x= 1234.57"}, {}},
         RootsCase{"NoRoot", "x^2+1", {"-1", "1", "10", "1E-07"}, false, RootEnd::kListed, {}, {}},
         // A touching root without a sign change is found only at a sample.
         RootsCase{"TouchingAtASample", "x^2", {"-1", "1", "10", "1E-07"}, false, RootEnd::kListed, {"x= 0"}, {}},

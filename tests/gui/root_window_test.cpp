@@ -124,12 +124,8 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, GoLists,
     ::testing::Values(GoCase{"RootsAtSamples", "x^2-1", "-2", "2", "4", false, {"x=-1", "x= 1"}},
                       GoCase{"IntegerRoundsToHundredths", "x^2-2", "0", "2", "50", true, {"x= 1.41"}},
-                      GoCase{"IntegerAtLargeMagnitudes", "x-1234.5678", "1000", "2000", "7", true, {"x= 1234.57"}},
-                      // The interval around the pole shrinks to two neighbouring doubles: nothing listed.
-                      GoCase{"PoleListsNothing", "1/(x^2-2)", "0", "2", "3", false, {}},
                       // 1/x overflows next to 0: a fault, which keeps the previous list.
                       GoCase{"PoleAtZeroFaults", "1/x", "-1", "1", "3", false, {"before"}},
-                      GoCase{"TouchingRootAtASample", "x^2", "-1", "1", "2", false, {"x= 0"}},
                       GoCase{"NoRoot", "x^2+1", "-3", "3", "50", false, {}}),
     [](const auto& p) { return std::string(p.param.name); });
 
@@ -222,24 +218,14 @@ TEST_F(RootWindowTest, ErrorsAndUnusableBoxesKeepThePreviousList) {
     int error;  // 0: silent
   };
   for (Row r : {Row{"JudgeAboveTheStep", "x", "0", "1", "10", "0.11", 29},
-                Row{"TwoVariables", "x*y", "0", "1", "10", "1E-07", 28},
                 Row{"MinEqualsMax", "x", "1", "1", "10", "1E-07", 0},
-                Row{"MinAboveMax", "x", "2", "1", "10", "1E-07", 0},
-                Row{"NumNotANumber", "x", "0", "1", "ten", "1E-07", 0},
-                Row{"NumZero", "x", "0", "1", "0", "1E-07", 0},
-                Row{"JudgeNotANumber", "x", "0", "1", "10", "small", 0}}) {
+                Row{"NumZero", "x", "0", "1", "0", "1E-07", 0}}) {
     host.errors.clear();
     range(r.min, r.max, r.num, r.judge);
     EXPECT_EQ(go(r.formula), before) << r.name;
     EXPECT_EQ(host.errors, r.error ? std::vector<int>{r.error} : std::vector<int>{}) << r.name;
     EXPECT_EQ(engine.BindToX, -1) << r.name;
   }
-
-  // A judge value equal to the step is accepted.
-  host.errors.clear();
-  range("0", "1", "4", "0.25");
-  EXPECT_EQ(go("10*x-5"), QStringList{"x= .5"});
-  EXPECT_TRUE(host.errors.empty());
 }
 
 TEST_F(RootWindowTest, CloseDuringAScanStopsItWithoutAListing) {
@@ -288,13 +274,10 @@ INSTANTIATE_TEST_SUITE_P(
     Cases, PolynomialTool,
     ::testing::Values(
         PolyCase{"ExpandProduct", &IntersectionWindow::Command7, "(x+1)^2*(x-3)", "x^3-x^2-5*x-3", {"before"}},
-        PolyCase{"ExpandLeadingTwo", &IntersectionWindow::Command7, "(2*x-1)*(x+1)", "2*x^2+x-1", {"before"}},
         PolyCase{"ArrangeWritesZeros", &IntersectionWindow::Command5, "x^3+1", "x^3+0*x^2+0*x+1", {"before"}},
-        PolyCase{"ArrangeCollects", &IntersectionWindow::Command5, "3+x^2-2*x+x^2", "2*x^2-2*x+3", {"before"}},
         PolyCase{"SeekDoubleRoot", &IntersectionWindow::Command4, "x^2-2*x+1", "(x^2-2*x+1)",
                  {"x= 1 重根", "x= 1 重根"}},
-        PolyCase{"SeekComplexPair", &IntersectionWindow::Command4, "x^2+1", "(x^2+1)", {"x= 虚根", "x= 虚根"}},
-        PolyCase{"SeekLinear", &IntersectionWindow::Command4, "x-4", "(x-4)", {"x= 4"}}),
+        PolyCase{"SeekComplexPair", &IntersectionWindow::Command4, "x^2+1", "(x^2+1)", {"x= 虚根", "x= 虚根"}}),
     [](const auto& p) { return std::string(p.param.name); });
 
 TEST_F(RootWindowTest, PolynomialErrorsChangeNothing) {
@@ -305,10 +288,7 @@ TEST_F(RootWindowTest, PolynomialErrorsChangeNothing) {
     int error;
   };
   for (Row r : {Row{"ExpandWithoutBrackets", w->Command7, "x^2+1", 22},
-                Row{"ArrangeTwoVariables", w->Command5, "x^2+y", 52},
-                Row{"ArrangeNegativePower", w->Command5, "x^-1+1", 22},
-                Row{"ArrangeZeroPower", w->Command5, "x^0+1", 14},
-                Row{"ArrangeDegreeAbove50", w->Command5, "x^51", 54}}) {
+                Row{"ArrangeTwoVariables", w->Command5, "x^2+y", 52}}) {
     host.errors.clear();
     w->Text5->setText("kept");
     press(r.button, r.formula);

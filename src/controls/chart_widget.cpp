@@ -1,6 +1,7 @@
 // The chart control on QtCharts.
 #include "controls/chart_widget.h"
 
+#include <QAreaSeries>
 #include <QContextMenuEvent>
 #include <QFileDialog>
 #include <QLogValueAxis>
@@ -8,6 +9,7 @@
 #include <QMessageBox>
 #include <QPainter>
 #include <QSaveFile>
+#include <QScatterSeries>
 #include <QSvgGenerator>
 #include <QValueAxis>
 #include <algorithm>
@@ -192,6 +194,59 @@ QList<QLineSeries*> ChartWidget::drawnSeries(int set) const {
   return set >= 1 && set <= 2 ? drawn_[set - 1] : QList<QLineSeries*>();
 }
 
+QList<QAbstractSeries*> ChartWidget::drawnShapes(int set) const {
+  return set >= 1 && set <= 2 ? shapes_[set - 1] : QList<QAbstractSeries*>();
+}
+
+namespace {
+
+// The width of bar k: up to the next point, the last one as wide as the one before it.
+double BarWidth(const QList<QPointF>& p, qsizetype k) {
+  if (p.size() < 2) return 1;
+  return k + 1 < p.size() ? p[k + 1].x() - p[k].x() : p[k].x() - p[k - 1].x();
+}
+
+}  // namespace
+
+void ChartWidget::drawShapes(int set, const QColor& color) {
+  const QList<QPointF>& p = points_[set];
+  if (p.isEmpty()) return;
+  QAbstractSeries* shape;
+  if (style_ == Style::kPoints) {
+    auto* marks = new QScatterSeries;
+    marks->replace(p);
+    marks->setMarkerSize(7);
+    marks->setColor(color);
+    marks->setBorderColor(color);
+    shape = marks;
+  } else {
+    // One outline up and down every bar, closed along zero: a single series however many classes.
+    auto* upper = new QLineSeries;
+    QList<QPointF> outline;
+    outline.reserve(4 * p.size());
+    for (qsizetype k = 0; k < p.size(); ++k) {
+      const double x0 = p[k].x(), x1 = x0 + BarWidth(p, k);
+      outline << QPointF(x0, 0) << QPointF(x0, p[k].y()) << QPointF(x1, p[k].y()) << QPointF(x1, 0);
+    }
+    upper->replace(outline);
+    auto* lower = new QLineSeries;
+    lower->append(outline.front());
+    lower->append(outline.back());
+    auto* area = new QAreaSeries(upper, lower);
+    upper->setParent(area);
+    lower->setParent(area);
+    QColor fill = color;
+    fill.setAlpha(110);
+    area->setBrush(fill);
+    area->setPen(QPen(color, 1));
+    shape = area;
+  }
+  chart()->addSeries(shape);
+  shape->attachAxis(xAxis_);
+  shape->attachAxis(yLinear_);
+  shapes_[set].append(shape);
+}
+
 QAbstractAxis* ChartWidget::verticalAxis() const {
   return yLog_->isVisible() ? static_cast<QAbstractAxis*>(yLog_) : yLinear_;
 }
@@ -200,7 +255,8 @@ void ChartWidget::draw() {
   QChart* c = chart();
   c->removeAllSeries();
   drawn_ = {};
-  const bool log = type_ == Type::kLogLin;
+  shapes_ = {};
+  const bool log = type_ == Type::kLogLin && style_ == Style::kLines;
 
   Span xs, ys;
   // Runs of drawable points per set: a log axis cannot show values of zero or below. The
@@ -219,6 +275,11 @@ void ChartWidget::draw() {
       run.append(p);
     }
     if (!run.isEmpty()) runs[s].append(std::move(run));
+    // Bars stand on zero and reach past their lower bounds.
+    if (style_ == Style::kBars && !points_[s].isEmpty()) {
+      ys.add(0);
+      xs.add(points_[s].back().x() + BarWidth(points_[s], points_[s].size() - 1));
+    }
   }
 
   // Both vertical axes stay in the chart (a removed axis leaves its labels behind); the one
@@ -241,6 +302,10 @@ void ChartWidget::draw() {
   fitEqualScale();
 
   for (int s = 0; s < sets_; ++s) {
+    if (style_ != Style::kLines) {
+      drawShapes(s, kSetColors[s]);
+      continue;
+    }
     QPen pen(kSetColors[s]);
     pen.setWidthF(thin_ ? 1.0 : 2.0);
     pen.setStyle(styles_[s]);

@@ -1,6 +1,8 @@
-// The chart control: line and log/lin graphs of one or two data sets, saved as PNG, SVG or CSV.
+// The chart control: line and log/lin graphs of one or two data sets, histograms and scatter
+// charts, saved as PNG, SVG or CSV.
 #pragma once
 
+#include <QAbstractSeries>
 #include <QChartView>
 #include <QLineSeries>
 #include <QList>
@@ -19,6 +21,9 @@ class ChartWidget : public QChartView {
 
  public:
   enum class Type { kLine, kLogLin };  // log/lin: logarithmic vertical, linear horizontal axis
+  // How the points are drawn: joined by lines; as bars from zero, each from its x to the next
+  // point's x (a histogram labelled by the classes' lower bounds); as marks without lines.
+  enum class Style { kLines, kBars, kPoints };
 
   explicit ChartWidget(QWidget* parent = nullptr);
 
@@ -27,6 +32,8 @@ class ChartWidget : public QChartView {
   Type graphType() const { return type_; }
   void setGridBothWays(bool on) { grid_ = on; }
   bool gridBothWays() const { return grid_; }
+  void setStyle(Style style) { style_ = style; }
+  Style style() const { return style_; }
   void setDataSets(int count);  // 1 or 2
   int dataSets() const { return sets_; }
   void setThinLines(bool thin) { thin_ = thin; }
@@ -54,6 +61,8 @@ class ChartWidget : public QChartView {
 
   // The line series last drawn for a data set (a log axis breaks the line at values <= 0).
   QList<QLineSeries*> drawnSeries(int set = 1) const;
+  // The bars (one area series) or marks (one scatter series) last drawn for a data set.
+  QList<QAbstractSeries*> drawnShapes(int set = 1) const;
 
   // The axes the last draw used (the vertical one is logarithmic for the log/lin type).
   // Background, axes, labels and grid take the palette's colours; the curves keep theirs.
@@ -77,8 +86,11 @@ class ChartWidget : public QChartView {
   void applyPalette();
   // Widens one axis's range so that a unit spans as many pixels across as up.
   void fitEqualScale();
+  // The bars or marks of one data set, on the linear axes.
+  void drawShapes(int set, const QColor& color);
 
   Type type_ = Type::kLine;
+  Style style_ = Style::kLines;
   bool grid_ = true;
   bool thin_ = false;
   bool equal_ = false;
@@ -90,6 +102,7 @@ class ChartWidget : public QChartView {
   std::array<QList<QPointF>, 2> points_;
   std::array<Qt::PenStyle, 2> styles_{Qt::SolidLine, Qt::SolidLine};
   std::array<QList<QLineSeries*>, 2> drawn_;
+  std::array<QList<QAbstractSeries*>, 2> shapes_;
   QValueAxis* xAxis_;
   QValueAxis* yLinear_;
   QLogValueAxis* yLog_;

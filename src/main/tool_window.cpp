@@ -105,10 +105,50 @@ QGroupBox* ToolWindow::makeBoxFrame(const char* frameName, QLineEdit*& box, cons
   return frame;
 }
 
+QGroupBox* ToolWindow::makeFieldsFrame(const char* frameName,
+                                       std::initializer_list<std::pair<QLabel*, QLineEdit*>> rows) {
+  auto* frame = new QGroupBox;
+  frame->setObjectName(frameName);
+  auto* grid = new QGridLayout(frame);
+  grid->setContentsMargins(6, 2, 6, 4);
+  int row = 0;
+  for (const auto& [label, box] : rows) {
+    grid->addWidget(label, row, 0);
+    grid->addWidget(box, row++, 1);
+  }
+  return frame;
+}
+
+QLabel* ToolWindow::makeLabel(const char* name, bool framed) {
+  auto* label = new QLabel;
+  label->setObjectName(QString::fromLatin1(name));
+  if (framed) {
+    label->setFrameShape(QFrame::Panel);
+    label->setFrameShadow(QFrame::Sunken);
+  }
+  return label;
+}
+
+QGridLayout* ToolWindow::makeButtonGrid(std::initializer_list<QPushButton*> buttons, int columns) {
+  auto* grid = new QGridLayout;
+  int k = 0;
+  for (QPushButton* button : buttons) {
+    grid->addWidget(button, k / columns, k % columns);
+    ++k;
+  }
+  return grid;
+}
+
 QLineEdit* ToolWindow::makeBox(const char* name, const char* text) {
   auto* box = new QLineEdit(QString::fromUtf8(text));
   box->setObjectName(QString::fromLatin1(name));
   box->setMaximumWidth(90);
+  return box;
+}
+
+QLineEdit* ToolWindow::makeResultBox(const char* name) {
+  QLineEdit* box = makeBox(name);
+  box->setReadOnly(true);
   return box;
 }
 

@@ -1,6 +1,7 @@
 // The base of every window: captions in the display language, printing, stopping a run.
 #pragma once
 
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -9,6 +10,7 @@
 #include <QWidget>
 #include <functional>
 #include <initializer_list>
+#include <utility>
 
 #include "engine/engine.h"
 #include "main/app_state.h"
@@ -40,8 +42,17 @@ class ToolWindow : public QWidget {
   void showEvent(QShowEvent* event) override;
   // A captioned frame holding one text box, both named as the code refers to them.
   static QGroupBox* makeBoxFrame(const char* frameName, QLineEdit*& box, const char* boxName);
+  // A captioned frame of rows, each a caption and its text box.
+  static QGroupBox* makeFieldsFrame(const char* frameName,
+                                    std::initializer_list<std::pair<QLabel*, QLineEdit*>> rows);
+  // A named label; `framed` sinks it like a box, for values the window only shows.
+  static QLabel* makeLabel(const char* name, bool framed = false);
+  // `buttons` in reading order, `columns` to a row.
+  static QGridLayout* makeButtonGrid(std::initializer_list<QPushButton*> buttons, int columns);
   // A named text box showing `text`, narrow enough for a number.
   static QLineEdit* makeBox(const char* name, const char* text = "");
+  // A box the window writes its results to and the user only reads (and copies).
+  static QLineEdit* makeResultBox(const char* name);
   // A captioned frame with "min ～ max" on its first row and a captioned count box below.
   static QGroupBox* makeRangeFrame(const char* frameName, QLineEdit* min, QLineEdit* max, QLabel* countLabel,
                                    QLineEdit* count);

@@ -12,19 +12,14 @@ namespace merida {
 StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent) {
   setObjectName("StatDataWindow");
-  auto label = [](const char* name) {
-    auto* l = new QLabel;
-    l->setObjectName(name);
-    return l;
-  };
   auto box = [](const char* name) {
     auto* b = new QLineEdit;
     b->setObjectName(name);
     return b;
   };
-  Label1 = label("Label1");
-  Label2 = label("Label2");
-  Label3 = label("Label3");
+  Label1 = makeLabel("Label1");
+  Label2 = makeLabel("Label2");
+  Label3 = makeLabel("Label3");
   Text1 = box("Text1");
   Text2 = box("Text2");
   Text3 = box("Text3");
@@ -74,7 +69,10 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
   connect(Grid1, &QTableWidget::currentCellChanged, this, [this](int i, int j) { data_->select(i, j); });
   connect(Grid1, &GridWidget::cellEdited, this,
           [this](int i, int j, const QString& text) { data_->setCell(i, j, text.toStdString()); });
-  connect(Command1, &QPushButton::clicked, this, [this] { data_->storeInto(state_.Records); });
+  connect(Command1, &QPushButton::clicked, this, [this] {
+    data_->storeInto(state_.Records);
+    emit stored();
+  });
   connect(Command2, &QPushButton::clicked, this, [this] {
     std::error_code ec;
     std::filesystem::path dir = std::filesystem::current_path(ec);

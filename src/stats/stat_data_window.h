@@ -28,6 +28,10 @@ class StatDataWindow : public ToolWindow {
   GridWidget* Grid1;
   QPushButton *Command1, *Command2, *Command3;
 
+ signals:
+  // Memory has put the grid into the record function table.
+  void stored();
+
  private:
   void rebuildGrid();
   void followCurrentCell();

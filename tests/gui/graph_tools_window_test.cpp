@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QAreaSeries>
 #include <QImage>
+#include <QScatterSeries>
 #include <QTest>
 #include <QTranslator>
 #include <QValueAxis>
@@ -145,6 +147,46 @@ TEST_F(ToolWindowsTest, ChartScalesAConstantAndAnEmptySet) {
   chart.setGraphType(ChartWidget::Type::kLogLin);
   chart.draw();
   EXPECT_TRUE(chart.drawnSeries(1).isEmpty());
+}
+
+TEST_F(ToolWindowsTest, ChartDrawsBarsFromZeroAndMarksWithoutLines) {
+  const QList<QPointF> points{QPointF(0, 2), QPointF(1, 5), QPointF(2, 1)};
+  ChartWidget chart;
+  chart.resize(400, 300);
+  chart.setPoints(1, points);
+  chart.setGraphType(ChartWidget::Type::kLogLin);  // bars and marks ignore the log axis
+
+  chart.setStyle(ChartWidget::Style::kBars);
+  chart.draw();
+  EXPECT_TRUE(chart.drawnSeries(1).isEmpty());
+  ASSERT_EQ(chart.drawnShapes(1).size(), 1);
+  auto* bars = qobject_cast<QAreaSeries*>(chart.drawnShapes(1)[0]);
+  ASSERT_NE(bars, nullptr);
+  // Each bar from its lower bound to the next one; the last as wide as the one before.
+  const QList<QPointF> outline = bars->upperSeries()->points();
+  ASSERT_EQ(outline.size(), 12);
+  EXPECT_EQ(outline[0], QPointF(0, 0));
+  EXPECT_EQ(outline[1], QPointF(0, 2));
+  EXPECT_EQ(outline[2], QPointF(1, 2));
+  EXPECT_EQ(outline[6], QPointF(2, 5));
+  EXPECT_EQ(outline[11], QPointF(3, 0));
+  auto* y = qobject_cast<QValueAxis*>(chart.verticalAxis());
+  ASSERT_NE(y, nullptr);
+  EXPECT_LE(y->min(), 0);
+  EXPECT_GE(chart.horizontalAxis()->max(), 3);
+
+  chart.setStyle(ChartWidget::Style::kPoints);
+  chart.draw();
+  EXPECT_TRUE(chart.drawnSeries(1).isEmpty());
+  ASSERT_EQ(chart.drawnShapes(1).size(), 1);
+  auto* marks = qobject_cast<QScatterSeries*>(chart.drawnShapes(1)[0]);
+  ASSERT_NE(marks, nullptr);
+  EXPECT_EQ(marks->points(), points);
+
+  chart.setStyle(ChartWidget::Style::kLines);
+  chart.draw();
+  EXPECT_TRUE(chart.drawnShapes(1).isEmpty());
+  EXPECT_FALSE(chart.drawnSeries(1).isEmpty());
 }
 
 TEST_F(ToolWindowsTest, JapaneseCaptions) {

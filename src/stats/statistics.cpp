@@ -120,7 +120,8 @@ std::optional<FrequencyResult> FrequencyDistribution(Engine& engine, const Recor
     if (x == r.max) continue;  // the maximum lies on the upper bound of class 100: left out
     // Rounding can carry a value just below the maximum onto that bound; it belongs to class 100.
     const float c = std::floor((x - r.min) / r.width);
-    ++r.classes[std::clamp(static_cast<int>(c), 0, kClasses - 1)];
+    if (!(c >= 0)) continue;  // a range too wide for a float has no classes
+    ++r.classes[static_cast<int>(std::min(c, kClasses - 1.0f))];
   }
   int best = 0;
   for (int c = 1; c < kClasses; ++c) {

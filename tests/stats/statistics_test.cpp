@@ -118,6 +118,17 @@ TEST_F(StatisticsTest, AConstantColumnIsOneClass) {
   EXPECT_EQ(basic->deviationBox, ".");
 }
 
+TEST_F(StatisticsTest, ARangeBeyondFloatsShowsNoMode) {
+  column({-3e38f, 3e38f, 0, 1});
+  auto r = FrequencyDistribution(engine, table, "1");
+  ASSERT_TRUE(r);
+  EXPECT_EQ(r->medianBox, ".5");
+  EXPECT_EQ(r->modeBox, "");
+  auto basic = BasicStatistics(engine, table, "1");
+  ASSERT_TRUE(basic);
+  EXPECT_EQ(basic->varianceBox, "");
+}
+
 TEST_F(StatisticsTest, BasicStatisticsDivideByN) {
   column({1, 2, 3, 4});
   auto r = BasicStatistics(engine, table, "1");

@@ -34,6 +34,8 @@ int RunFft(Context&, const std::vector<std::string>&);
 int RunDiff(Context&, const std::vector<std::string>&);
 int RunOde(Context&, const std::vector<std::string>&);
 int RunContour(Context&, const std::vector<std::string>&);
+int RunStat(Context&, const std::vector<std::string>&);
+int RunTest(Context&, const std::vector<std::string>&);
 
 constexpr CommandEntry kCommands[] = {
     {"calc", "calc [--var NAME=VALUE]... FORMULA", RunCalc},
@@ -75,6 +77,10 @@ constexpr CommandEntry kCommands[] = {
      "  merida-cli contour --x A,B,N --y C,D,M --draw plot|cube|hide [--levels K0,K1,D] "
      "[--color red|green|skyblue|yellow|multi] [--angles A,B] --out FILE.png|FILE.svg FORMULA",
      RunContour},
+    {"stat", "stat freq|ave|regres|multreg [--column K] [--chart] FILE", RunStat},
+    {"test",
+     "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J]",
+     RunTest},
 };
 }  // namespace merida::cli
 

@@ -1023,4 +1023,201 @@
         <translation>求根できませんでした（収束しません）</translation>
     </message>
 </context>
+<context>
+    <name>merida::StatWindow</name>
+    <message>
+        <source>Statiistical Analysis</source>
+        <translation>統計解析</translation>
+    </message>
+    <message>
+        <source>Dim Num</source>
+        <translation>次元数</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>個数</translation>
+    </message>
+    <message>
+        <source>Dimension</source>
+        <translation>次元</translation>
+    </message>
+    <message>
+        <source>Frequency Distribution</source>
+        <translation>度数分布</translation>
+    </message>
+    <message>
+        <source>Median</source>
+        <translation>中央値</translation>
+    </message>
+    <message>
+        <source>Max Freq</source>
+        <translation>最頻値</translation>
+    </message>
+    <message>
+        <source>Basic Statistic</source>
+        <translation>基本統計</translation>
+    </message>
+    <message>
+        <source>Average</source>
+        <translation>平均値</translation>
+    </message>
+    <message>
+        <source>Variance</source>
+        <translation>分散</translation>
+    </message>
+    <message>
+        <source>Standard deviation</source>
+        <translation>標準偏差</translation>
+    </message>
+    <message>
+        <source>Regression</source>
+        <translation>回帰直線</translation>
+    </message>
+    <message>
+        <source>Corre</source>
+        <translation>相関係数</translation>
+    </message>
+    <message>
+        <source>Freq</source>
+        <translation>度数</translation>
+    </message>
+    <message>
+        <source>Ave</source>
+        <translation>平均</translation>
+    </message>
+    <message>
+        <source>Regres</source>
+        <translation>回帰</translation>
+    </message>
+    <message>
+        <source>Data</source>
+        <translation>ﾃﾞｰﾀ</translation>
+    </message>
+    <message>
+        <source>MultReg</source>
+        <translation>重回帰</translation>
+    </message>
+    <message>
+        <source>Test</source>
+        <translation>検定</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
+    <name>merida::MultRegWindow</name>
+    <message>
+        <source>Multiple Regression Analysis</source>
+        <translation>重回帰分析</translation>
+    </message>
+    <message>
+        <source>Expeositive Var</source>
+        <translation>説明変数</translation>
+    </message>
+    <message>
+        <source>Objective Var</source>
+        <translation>目的変数</translation>
+    </message>
+    <message>
+        <source>Average</source>
+        <translation>平均値</translation>
+    </message>
+    <message>
+        <source>Variance</source>
+        <translation>分散</translation>
+    </message>
+    <message>
+        <source>Covariance</source>
+        <translation>共分散</translation>
+    </message>
+    <message>
+        <source>SimpleCorre</source>
+        <translation>単相関</translation>
+    </message>
+    <message>
+        <source>PartialCorre</source>
+        <translation>偏相関</translation>
+    </message>
+    <message>
+        <source>MultipleCorre</source>
+        <translation>重相関</translation>
+    </message>
+    <message>
+        <source>Print</source>
+        <translation>印刷</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
+<context>
+    <name>merida::TestWindow</name>
+    <message>
+        <source>Test</source>
+        <translation>検定</translation>
+    </message>
+    <message>
+        <source>Population</source>
+        <translation>母集団</translation>
+    </message>
+    <message>
+        <source>Sample</source>
+        <translation>標本</translation>
+    </message>
+    <message>
+        <source>Average</source>
+        <translation>平均値</translation>
+    </message>
+    <message>
+        <source>Standard deviation</source>
+        <translation>  標準       偏差</translation>
+    </message>
+    <message>
+        <source>Count</source>
+        <translation>個数</translation>
+    </message>
+    <message>
+        <source>Computing Value</source>
+        <translation>計算値</translation>
+    </message>
+    <message>
+        <source>Theoretical Value</source>
+        <translation>理論値</translation>
+    </message>
+    <message>
+        <source>Dimension</source>
+        <translation>次元</translation>
+    </message>
+    <message>
+        <source>Danger Rate</source>
+        <translation>危険率</translation>
+    </message>
+    <message>
+        <source>Record Function</source>
+        <translation>記録関数</translation>
+    </message>
+    <message>
+        <source>t</source>
+        <translation>t検定</translation>
+    </message>
+    <message>
+        <source>F</source>
+        <translation>F検定</translation>
+    </message>
+    <message>
+        <source>Kai</source>
+        <translation>ｶｲ二乗</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>中止</translation>
+    </message>
+</context>
 </TS>

@@ -20,6 +20,7 @@
 #include "signal/fft_window.h"
 #include "signal/load_window.h"
 #include "signal/wave_window.h"
+#include "stats/stat_window.h"
 
 namespace merida {
 namespace {
@@ -80,6 +81,7 @@ void RegisterTools(MainWindow& main, Engine& engine, AppState& state) {
   main.setToolOpener(15, Opener<WaveWindow>([=] { return new WaveWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(17, Opener<FftWindow>([=] { return new FftWindow(*e, *s, [m] { return m->formulaText(); }, m); }));
   main.setToolOpener(18, Opener<LoadWindow>([=] { return new LoadWindow(*e, *s, m); }));
+  main.setToolOpener(19, Opener<StatWindow>([=] { return new StatWindow(*e, *s, m); }));
 }
 
 void RegisterHelp(MainWindow& main, Engine& engine, AppState& state, Translations& translations) {

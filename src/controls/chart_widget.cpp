@@ -282,6 +282,17 @@ void ChartWidget::draw() {
     }
   }
 
+  // Marks are drawn whole, and the tallest bar stays clear of the top edge.
+  if (style_ != Style::kLines && !xs.empty() && !ys.empty()) {
+    const double dx = xs.hi - xs.lo, dy = ys.hi - ys.lo;
+    if (style_ == Style::kPoints) {
+      xs.add(xs.lo - 0.04 * dx);
+      xs.add(xs.hi + 0.04 * dx);
+      ys.add(ys.lo - 0.04 * dy);
+    }
+    ys.add(ys.hi + (style_ == Style::kPoints ? 0.04 : 0.08) * dy);
+  }
+
   // Both vertical axes stay in the chart (a removed axis leaves its labels behind); the one
   // the type does not use is hidden.
   QAbstractAxis* yAxis = log ? static_cast<QAbstractAxis*>(yLog_) : yLinear_;

@@ -1,6 +1,7 @@
 // The Statistical Analysis window: every number comes from stats/statistics.
 #include "stats/stat_window.h"
 
+#include <QGridLayout>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -45,7 +46,17 @@ StatWindow::StatWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   Text7 = makeResultBox("Text7");
   Text8 = makeResultBox("Text8");
   Text9 = makeResultBox("Text9");
-  Frame4 = makeFieldsFrame("Frame4", {{Label10, Text7}, {Label11, Text8}, {Label13, Text9}});
+  // The line reads as its equation, y = a [ ] x + b [ ], with the correlation below.
+  Frame4 = new QGroupBox;
+  Frame4->setObjectName("Frame4");
+  auto* line = new QGridLayout(Frame4);
+  line->setContentsMargins(6, 2, 6, 4);
+  line->addWidget(Label10, 0, 0);
+  line->addWidget(Text7, 0, 1);
+  line->addWidget(Label11, 0, 2);
+  line->addWidget(Text8, 0, 3);
+  line->addWidget(Label13, 1, 0);
+  line->addWidget(Text9, 1, 1);
   Command1 = makeButton("Command1");
   Command2 = makeButton("Command2");
   Command3 = makeButton("Command3");

@@ -47,16 +47,10 @@ StatWindow::StatWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   Text8 = makeResultBox("Text8");
   Text9 = makeResultBox("Text9");
   // The line reads as its equation, y = a [ ] x + b [ ], with the correlation below.
-  Frame4 = new QGroupBox;
-  Frame4->setObjectName("Frame4");
-  auto* line = new QGridLayout(Frame4);
-  line->setContentsMargins(6, 2, 6, 4);
-  line->addWidget(Label10, 0, 0);
-  line->addWidget(Text7, 0, 1);
+  Frame4 = makeFieldsFrame("Frame4", {{Label10, Text7}, {Label13, Text9}});
+  auto* line = static_cast<QGridLayout*>(Frame4->layout());
   line->addWidget(Label11, 0, 2);
   line->addWidget(Text8, 0, 3);
-  line->addWidget(Label13, 1, 0);
-  line->addWidget(Text9, 1, 1);
   Command1 = makeButton("Command1");
   Command2 = makeButton("Command2");
   Command3 = makeButton("Command3");

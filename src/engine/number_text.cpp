@@ -96,20 +96,6 @@ constexpr double kPow10Signed[] = {1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-
                                1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27,
                                1e28, 1e29, 1e30, 1e31, 1e32, 1e33, 1e34, 1e35};
 
-unsigned __int128 Pow10U128(int k) {
-  unsigned __int128 p = 1;
-  while (k-- > 0) p *= 10;
-  return p;
-}
-
-struct Pow10Table {
-  unsigned __int128 v[23];
-  Pow10Table() {
-    for (int i = 0; i < 23; ++i) v[i] = Pow10U128(i);
-  }
-};
-const Pow10Table kPow10U;
-
 // Veltkamp halves of 10^q (26 significant bits or fewer each), made at compile time.
 struct SplitPow10 {
   double hi[23], lo[23];
@@ -227,29 +213,11 @@ double Round15Tie(double a, double t, double whole, double frac, int places) {
 
 // Zero, subnormals, infinities, NaN and magnitudes outside [1e-7, 1e15).
 double Round15Rare(double v) {
-  uint64_t bits = std::bit_cast<uint64_t>(v);
-  int biased = static_cast<int>((bits >> 52) & 0x7FF);
   if (v == 0) return 0.0;  // "0", also for -0
-  if (biased == 0x7FF) return v;
-  // A subnormal has fewer than 15 digits' worth of bits, but its text still drops some.
-  if (biased == 0) return Round15Slow(v);
-  int exp2 = biased - 1023;  // v = 1.f * 2^exp2
-  double a = std::fabs(v);
-  if (a < 1e-7 || a >= 1e35) return Round15Slow(v);
-  uint64_t m = (bits & ((uint64_t{1} << 52) - 1)) | (uint64_t{1} << 52);
-  int k = exp2 - 52;  // a = m * 2^k exactly
-  int e = (exp2 * 78913) >> 18;
-  if (e + 1 < 35 && a >= kPow10Signed[e + 1 + kPow10Bias]) ++e;
-  int down = e - 14;  // a / 10^down is a 15-digit integer
-  if (down < 0) return Round15Slow(v);
-  unsigned __int128 num = m, den = kPow10U.v[down];
-  if (k >= 0) num <<= k;
-  else den <<= -k;
-  unsigned __int128 n = num / den;
-  unsigned __int128 rem = num - n * den;
-  if (2 * rem > den || (2 * rem == den && (n & 1))) ++n;
-  double r = static_cast<double>(static_cast<uint64_t>(n)) * kPow10[down];
-  return v < 0 ? -r : r;
+  if (!std::isfinite(v)) return v;
+  double r;
+  if (Round15Wide(v, r)) return r;
+  return Round15Slow(v);  // subnormals, the top binade, a 16th digit too near a half
 }
 
 }  // namespace detail

@@ -93,9 +93,11 @@ void Fuse(std::vector<Instr>& code, bool toolMode) {
   Fuse(code, toolMode);  // x 2 ^ becomes x^2 in one step
 }
 
-// The lean form of tool-mode code, or nothing when a step needs the full machine (calls,
-// random numbers, literal overflows, powers that can give 1 or a reciprocal).
-std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
+// The lean form of tool-mode code, or nothing when a step needs the full machine (random
+// numbers, literal overflows, powers that can give 1 or a reciprocal, calls of bodies
+// without a lean form). `callee` gives a called slot's lean code, or null.
+template <class Callee>
+std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee) {
   std::vector<LeanInstr> out;
   auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == LeanOp::kPushTerm; };
   auto reg = [](const Instr& in) { return static_cast<uint8_t>(in.count); };
@@ -139,7 +141,12 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
       case Op::kDiv: out.push_back({LeanOp::kDiv}); break;
       case Op::kPowInt:
         if (in.arg < 1) return {};  // x^0 is 1 even for an overflowed x
-        out.push_back({LeanOp::kPowInt, 0, in.arg, 1});
+        // A parameter's power: its register is never -0, so the term's product is the same.
+        if (lastIsPlainTerm() && out.back().k == 1 && out.back().c == 1 && out.back().reg >= kParamRegister) {
+          out.back().k = in.arg;
+        } else {
+          out.push_back({LeanOp::kPowInt, 0, in.arg, 1});
+        }
         break;
       case Op::kPow: out.push_back({LeanOp::kPow}); break;
       case Op::kUnary: {
@@ -159,6 +166,13 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
         break;
       }
       case Op::kBinary: out.push_back({LeanOp::kBinary, 0, 1, 1, in.fn}); break;
+      case Op::kParam: out.push_back({LeanOp::kPushTerm, static_cast<uint8_t>(kParamRegister + in.arg), 1, 1}); break;
+      case Op::kCall: {
+        const CompiledCode* body = callee(in.arg);
+        if (!body || in.count < 1 || in.count > kMaxParameters) return {};
+        out.push_back({LeanOp::kCall, static_cast<uint8_t>(in.count), 1, 1, Builtin::kNone, body});
+        break;
+      }
       default:
         return {};
     }
@@ -213,6 +227,32 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
   }
   top = r;
   return true;
+}
+
+// Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
+// it can fail before the end, where non-finite means an overflow somewhere on the way.
+double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
+  auto term = [reg](const LeanInstr& q) { return IntPower(reg[q.reg], q.k) * q.c; };
+  double top = p->op == LeanOp::kPushC      ? p->c
+               : p->op == LeanOp::kPushReg  ? reg[p->reg]
+               : p->op == LeanOp::kPushTerm ? term(*p)
+                                            : 0.0 - term(*p);
+  for (++p;; ++p) {
+    switch (p->op) {
+      case LeanOp::kAddTerm: top = top + term(*p); continue;
+      case LeanOp::kSubTerm: top = top - term(*p); continue;
+      case LeanOp::kMulTerm: top = top * term(*p); continue;
+      case LeanOp::kAddC: top = top + p->c; continue;
+      case LeanOp::kSubC: top = top - p->c; continue;
+      case LeanOp::kMulC: top = top * p->c; continue;
+      case LeanOp::kDivC: top = top / p->c; continue;
+      case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+      default: break;
+    }
+    break;
+  }
+  overflow = !std::isfinite(top);
+  return top;
 }
 
 uint64_t SplitMix(uint64_t& s) {
@@ -321,20 +361,38 @@ struct Evaluator {
     size_t stateSize = toolMode ? 0 : c.vars.size();
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
-    c.lean = toolMode && !params && e.leanCode_ ? MakeLean(code) : std::vector<LeanInstr>{};
+    c.lean = toolMode && e.leanCode_
+                 ? MakeLean(code, [this](int slot) { return LeanCallee(slot); })
+                 : std::vector<LeanInstr>{};
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
+    c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(), [](const LeanInstr& in) { return in.op == LeanOp::kCall; });
+  }
+
+  // The cached tool-mode code of a called slot when it has a lean form, built if need be.
+  const CompiledCode* LeanCallee(int slot) {
+    if (e.leanNesting_ >= kMaxLeanNesting) return nullptr;
+    ++e.leanNesting_;
+    CompiledCode* body = e.CallCode(slot, true);
+    --e.leanNesting_;
+    // A copy stands in for a body that is running; it is overwritten by the next such call.
+    if (!body || body != e.callCache_[slot][1].get() || body->lean.empty()) return nullptr;
+    return body;
   }
 
   // Lean code over the registers: x, x read back, the bound values. x = 0 never comes here
   // and bound values are never -0 (their texts read "0"), so a term's power needs no care
   // for the sign of zero.
-  double RunLean(CompiledCode& c, const double* reg) {
-    double* const base = c.stack.data();
+  // Inside a called body (`inBody`), anything but a finite value leaves the point to the full
+  // machine (`bailed`): lean code has shown nothing yet, so running the point again from the
+  // start reports what the full machine reports, in its order.
+  double RunLean(const CompiledCode& c, const double* reg, bool inBody = false) {
+    double stack[kMaxTokens + 2];
+    double* const base = stack;
     double* sp = base;
     double top = 0;
     auto term = [reg](const LeanInstr& p) { return IntPower(reg[p.reg], p.k) * p.c; };
     // Values, not references: top and sp must stay in registers.
-#define LEAN_FAIL(code, fault) LeanFailed(code, fault, top, base, sp)
+#define LEAN_FAIL(code, fault) (inBody ? Bail() : LeanFailed(code, fault, top, base, sp))
     for (const LeanInstr* p = c.lean.data();; ++p) {
       switch (p->op) {
         case LeanOp::kPushC: *++sp = top; top = p->c; continue;
@@ -399,6 +457,22 @@ struct Evaluator {
           top = r.value;
           continue;
         }
+        case LeanOp::kCall: {
+          // The arguments are the top `reg` values, deepest first.
+          const int count = p->reg;
+          double args[kCalleeRegisterCount];
+          args[0] = reg[0];
+          args[1] = p->callee->usesRounded ? Round15(reg[0]) : 0;
+          for (int j = 0; j < count; ++j) {
+            const double a = Round15(j == count - 1 ? top : sp[j - count + 2]);
+            if (!std::isfinite(a)) [[unlikely]] return Bail();
+            args[kParamRegister + j] = a;
+          }
+          sp -= count - 1;
+          top = CallLean(*p->callee, args);
+          if (bailed) return 0;
+          continue;
+        }
         case LeanOp::kEnd: break;
       }
       break;
@@ -406,6 +480,29 @@ struct Evaluator {
     if (!std::isfinite(top)) [[unlikely]] return LEAN_FAIL(kFault, "Overflow");
     return top;
 #undef LEAN_FAIL
+  }
+
+  bool bailed = false;
+  double Bail() {
+    bailed = true;
+    return 0;
+  }
+
+  double CallLean(const CompiledCode& body, const double* args) {
+    if (body.termsOnly) {
+      bool overflow;
+      const double r = RunTerms(body.lean.data(), args, overflow);
+      return overflow ? Bail() : r;
+    }
+    return RunLean(body, args, true);
+  }
+
+  // Lean code from the first step, or the full machine when the lean form left the point.
+  double RunLeanOrFull(CompiledCode& c, const double* reg, const double* bound = nullptr) {
+    double r = RunLean(c, reg);
+    if (!bailed) [[likely]] return r;
+    bailed = false;
+    return Run(c, nullptr, bound);
   }
 
   // A failing lean step reports the overflow before it, if one is on the stack, as the fault
@@ -627,46 +724,16 @@ double Engine::EvaluateProgram(int16_t n) {
   ++evalDepth_;
   ++busyDepth_;
   double r;
-  if (c.lean.empty() || XValue == 0) {
+  if (c.lean.empty() || XValue == 0 || (c.leanCalls && evalDepth_ + kMaxLeanNesting >= kMaxCallDepth)) {
     r = ev.Run(c, nullptr);
   } else {
     const double reg[2] = {XValue, c.usesRounded ? Round15(XValue) : 0};
-    r = ev.RunLean(c, reg);
+    r = ev.RunLeanOrFull(c, reg);
   }
   --busyDepth_;
   --evalDepth_;
   return r;
 }
-
-namespace {
-
-// Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
-// it can fail before the end, where non-finite means an overflow somewhere on the way.
-double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
-  auto term = [reg](const LeanInstr& q) { return IntPower(reg[q.reg], q.k) * q.c; };
-  double top = p->op == LeanOp::kPushC      ? p->c
-               : p->op == LeanOp::kPushReg  ? reg[p->reg]
-               : p->op == LeanOp::kPushTerm ? term(*p)
-                                            : 0.0 - term(*p);
-  for (++p;; ++p) {
-    switch (p->op) {
-      case LeanOp::kAddTerm: top = top + term(*p); continue;
-      case LeanOp::kSubTerm: top = top - term(*p); continue;
-      case LeanOp::kMulTerm: top = top * term(*p); continue;
-      case LeanOp::kAddC: top = top + p->c; continue;
-      case LeanOp::kSubC: top = top - p->c; continue;
-      case LeanOp::kMulC: top = top * p->c; continue;
-      case LeanOp::kDivC: top = top / p->c; continue;
-      case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
-      default: break;
-    }
-    break;
-  }
-  overflow = !std::isfinite(top);
-  return top;
-}
-
-}  // namespace
 
 double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
@@ -678,7 +745,15 @@ double Engine::EvaluateLean(double x) {
     double y = RunTerms(c.lean.data(), reg, overflow);
     if (!overflow) [[likely]] return y;
   }
-  return Evaluator{*this}.RunLean(c, reg);
+  Evaluator ev{*this};
+  const double r = ev.RunLean(c, reg);
+  if (!ev.bailed) [[likely]] return r;
+  ++evalDepth_;
+  ++busyDepth_;
+  const double full = ev.Run(c, nullptr);
+  --busyDepth_;
+  --evalDepth_;
+  return full;
 }
 
 double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const int16_t* cellRegister,
@@ -703,11 +778,11 @@ double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const i
   for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = values[k];
   double r = 0;
   bool overflow = true;
-  if (c.lean.empty() || x == 0) {
+  if (c.lean.empty() || x == 0 || (c.leanCalls && evalDepth_ + kMaxLeanNesting >= kMaxCallDepth)) {
     r = Evaluator{*this}.Run(c, nullptr, values);
   } else {
     if (c.termsOnly) r = RunTerms(c.lean.data(), reg, overflow);
-    if (overflow) r = Evaluator{*this}.RunLean(c, reg);
+    if (overflow) r = Evaluator{*this}.RunLeanOrFull(c, reg, values);
   }
   --busyDepth_;
   --evalDepth_;
@@ -779,6 +854,8 @@ void Engine::setLeanCode(bool on) {
   for (auto& c : code_) c->identity = ~uint64_t{0};
   leanIdentity_ = ~uint64_t{0};
 }
+
+bool Engine::hasLeanCode() const { return leanCode_ && !code_.empty() && !code_[0]->lean.empty(); }
 
 void Engine::InvalidateCallCache() {
   ++functionsVersion_;

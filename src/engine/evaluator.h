@@ -50,8 +50,12 @@ enum class LeanOp : uint8_t {
   kPushC, kPushReg, kPushTerm, kPushNegTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
   kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
   kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
-  kUnary, kBinary, kPow, kEnd,
+  kUnary, kBinary, kPow,
+  kCall,  // a user function's lean code: `reg` arguments, each read back in 15 digits
+  kEnd,
 };
+
+struct CompiledCode;
 
 struct LeanInstr {
   LeanOp op;
@@ -59,6 +63,7 @@ struct LeanInstr {
   int16_t k = 1;
   double c = 1;
   Builtin fn = Builtin::kNone;
+  const CompiledCode* callee = nullptr;
 };
 
 struct VariableSlot {
@@ -69,6 +74,11 @@ struct VariableSlot {
 constexpr int kFirstBoundRegister = 2;
 constexpr int kMaxBoundCells = 32;  // values a tool binds per point (more take the text path)
 constexpr int kRegisterCount = kFirstBoundRegister + kMaxBoundCells;
+// A called body's registers: x, x read back, then its parameters (never bound cells).
+constexpr int kParamRegister = kFirstBoundRegister;
+constexpr int kCalleeRegisterCount = kParamRegister + kMaxParameters;
+// Lean code calls bodies at most this deep; deeper calls (and circular ones) run full.
+constexpr int kMaxLeanNesting = 8;
 
 struct CompiledCode {
   uint64_t identity = ~uint64_t{0};
@@ -79,6 +89,7 @@ struct CompiledCode {
   std::vector<Instr> code;
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
+  bool leanCalls = false;       // lean code that calls bodies
   bool leanAllowed = true;      // the engine's lean switch when this was built
   int16_t boundCount = 0;       // bound registers the code reads
   int running = 0;              // calls of this code under way

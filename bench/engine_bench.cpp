@@ -7,6 +7,7 @@
 #include <string>
 
 #include "engine/engine.h"
+#include "engine/number_text.h"
 #include "engine/record_table.h"
 #include "main/calculator.h"
 
@@ -188,6 +189,20 @@ void BM_Chain(benchmark::State& state) {
       benchmark::Counter(static_cast<double>(state.iterations()) * depth, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
   state.SetLabel(wide ? "x 0.1..10" : "x near 1");
 }
+// The 15-digit read-back alone, as a variable's later cells and every parameter take it:
+// range 0 over 0.1..10, range 1 over 1e20..1e290 (outside the table of the inline path).
+void BM_ReadBack(benchmark::State& state) {
+  const bool wide = state.range(0) != 0;
+  double x = wide ? 1e20 : 0.1;
+  for (auto _ : state) {
+    double y = merida::Round15(x);
+    benchmark::DoNotOptimize(y);
+    x = wide ? (x < 1e290 ? x * 1.0001 : 1e20) : (x < 10 ? x + 1e-4 : 0.1);
+  }
+  state.SetLabel(wide ? "1e20..1e290" : "0.1..10");
+}
+BENCHMARK(BM_ReadBack)->Arg(0)->Arg(1);
+
 BENCHMARK(BM_Chain)->ArgsProduct({benchmark::CreateDenseRange(1, 8, 1), {0, 1}});
 
 }  // namespace

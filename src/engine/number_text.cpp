@@ -118,14 +118,14 @@ double ProductError(double a, double t, int q) {
   return ((ah * ph - t) + ah * pl + al * ph) + al * pl;
 }
 
+}  // namespace
+
 // Read back as the number texts read: a text beyond the largest double is infinite.
-double Round15Slow(double v) {
+double detail::Round15Slow(double v) {
   char buf[64];
   auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
   return ParseToken(std::string_view(buf, static_cast<size_t>(r.ptr - buf)));
 }
-
-}  // namespace
 
 std::string PlainText(double v) {
   if (v == 0) return "0";
@@ -209,15 +209,6 @@ double Round15Tie(double a, double t, double whole, double frac, int places) {
   if (frac > 0 && err > 0) return whole + 1;
   if (frac < 0 && err < 0) return whole - 1;
   return whole;  // a true half: the even neighbour, which whole already is
-}
-
-// Zero, subnormals, infinities, NaN and magnitudes outside [1e-7, 1e15).
-double Round15Rare(double v) {
-  if (v == 0) return 0.0;  // "0", also for -0
-  if (!std::isfinite(v)) return v;
-  double r;
-  if (Round15Wide(v, r)) return r;
-  return Round15Slow(v);  // subnormals, the top binade, a 16th digit too near a half
 }
 
 }  // namespace detail

@@ -67,7 +67,7 @@ bool NearHalf(U128 frac, int bits) {
 
 }  // namespace
 
-bool Round15Wide(double v, double& out) {
+[[gnu::always_inline]] inline bool Round15WideInline(double v, double& out) {
   const uint64_t bits = std::bit_cast<uint64_t>(v) & ~(uint64_t{1} << 63);
   const int biased = static_cast<int>(bits >> 52);
   if (biased == 0 || biased >= 0x7FE) return false;  // subnormals; the top binade may overflow
@@ -111,6 +111,17 @@ bool Round15Wide(double v, double& out) {
   }
   out = std::copysign(r, v);
   return true;
+}
+
+bool Round15Wide(double v, double& out) { return Round15WideInline(v, out); }
+
+// Zero, subnormals, infinities, NaN and magnitudes outside [1e-7, 1e15).
+double Round15Rare(double v) {
+  if (v == 0) return 0.0;  // "0", also for -0
+  if (!std::isfinite(v)) return v;
+  double r;
+  if (Round15WideInline(v, r)) return r;
+  return Round15Slow(v);  // subnormals, the top binade, a 16th digit too near a half
 }
 
 }  // namespace merida::detail

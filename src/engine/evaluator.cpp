@@ -97,8 +97,9 @@ void Fuse(std::vector<Instr>& code, bool toolMode) {
 // numbers, literal overflows, powers that can give 1 or a reciprocal, calls of bodies
 // without a lean form). `callee` gives a called slot's lean code, or null.
 template <class Callee>
-std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee) {
+std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, bool& usesRounded) {
   std::vector<LeanInstr> out;
+  int nextRegister = kRegisterCount;
   auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == LeanOp::kPushTerm; };
   auto reg = [](const Instr& in) { return static_cast<uint8_t>(in.count); };
   for (const Instr& in : code) {
@@ -170,6 +171,25 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee) {
       case Op::kCall: {
         const CompiledCode* body = callee(in.arg);
         if (!body || in.count < 1 || in.count > kMaxParameters) return {};
+        if (in.count == 1 && body->termsOnly && nextRegister < kLeanRegisterCount) {
+          // Copied in, the call costs no dispatch of its own.
+          const auto r = static_cast<uint8_t>(nextRegister++);
+          out.push_back({LeanOp::kSetParam, r});
+          for (LeanInstr step : body->lean) {
+            if (step.op == LeanOp::kEnd) break;
+            if (step.reg == kParamRegister) step.reg = r;
+            if (out.back().op == LeanOp::kSetParam && step.reg == r &&
+                (step.op == LeanOp::kPushTerm || step.op == LeanOp::kPushReg)) {
+              // The argument goes straight into the term: no pop and push, no reload.
+              out.back() = {LeanOp::kParamTerm, r, step.k, step.c};
+              continue;
+            }
+            out.push_back(step);
+          }
+          out.push_back({LeanOp::kBodyEnd});
+          usesRounded = usesRounded || body->usesRounded;
+          break;
+        }
         out.push_back({LeanOp::kCall, static_cast<uint8_t>(in.count), 1, 1, Builtin::kNone, body});
         break;
       }
@@ -361,11 +381,26 @@ struct Evaluator {
     size_t stateSize = toolMode ? 0 : c.vars.size();
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
+    bool rounded = false;
     c.lean = toolMode && e.leanCode_
-                 ? MakeLean(code, [this](int slot) { return LeanCallee(slot); })
+                 ? MakeLean(code, [this](int slot) { return LeanCallee(slot); }, rounded)
                  : std::vector<LeanInstr>{};
+    c.usesRounded = c.usesRounded || rounded;
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
-    c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(), [](const LeanInstr& in) { return in.op == LeanOp::kCall; });
+    c.leanCalls = false;
+    c.leanCopiedBodies = false;
+    c.leanInputs = kFirstBoundRegister;
+    for (const LeanInstr& in : c.lean) {
+      switch (in.op) {
+        case LeanOp::kCall: c.leanCalls = true; break;
+        case LeanOp::kSetParam: case LeanOp::kParamTerm: c.leanCalls = c.leanCopiedBodies = true; break;
+        case LeanOp::kPushReg: case LeanOp::kPushTerm: case LeanOp::kPushNegTerm: case LeanOp::kAddTerm:
+        case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kDivReg:
+          if (in.reg < kRegisterCount) c.leanInputs = std::max<int16_t>(c.leanInputs, static_cast<int16_t>(in.reg + 1));
+          break;
+        default: break;
+      }
+    }
   }
 
   // The cached tool-mode code of a called slot when it has a lean form, built if need be.
@@ -386,6 +421,11 @@ struct Evaluator {
   // machine (`bailed`): lean code has shown nothing yet, so running the point again from the
   // start reports what the full machine reports, in its order.
   double RunLean(const CompiledCode& c, const double* reg, bool inBody = false) {
+    double file[kLeanRegisterCount];
+    if (c.leanCopiedBodies) {
+      std::copy(reg, reg + c.leanInputs, file);
+      reg = file;
+    }
     double stack[kMaxTokens + 2];
     double* const base = stack;
     double* sp = base;
@@ -473,6 +513,21 @@ struct Evaluator {
           if (bailed) return 0;
           continue;
         }
+        case LeanOp::kSetParam:
+          file[p->reg] = Round15(top);
+          if (!std::isfinite(file[p->reg])) [[unlikely]] return Bail();
+          top = *sp--;
+          continue;
+        case LeanOp::kBodyEnd:
+          if (!std::isfinite(top)) [[unlikely]] return Bail();
+          continue;
+        case LeanOp::kParamTerm: {
+          const double v = Round15(top);
+          if (!std::isfinite(v)) [[unlikely]] return Bail();
+          file[p->reg] = v;
+          top = IntPower(v, p->k) * p->c;
+          continue;
+        }
         case LeanOp::kEnd: break;
       }
       break;
@@ -499,11 +554,17 @@ struct Evaluator {
 
   // Lean code from the first step, or the full machine when the lean form left the point.
   double RunLeanOrFull(CompiledCode& c, const double* reg, const double* bound = nullptr) {
-    double r = RunLean(c, reg);
-    if (!bailed) [[likely]] return r;
-    bailed = false;
+    if (LeanCanStart(reg)) [[likely]] {
+      double r = RunLean(c, reg);
+      if (!bailed) [[likely]] return r;
+      bailed = false;
+    }
     return Run(c, nullptr, bound);
   }
+
+  // The full machine reads an infinite x (or x read back beyond the range) without a fault
+  // until arithmetic meets it; lean code checks values where it cannot tell them apart.
+  static bool LeanCanStart(const double* reg) { return std::isfinite(reg[0]) && std::isfinite(reg[1]); }
 
   // A failing lean step reports the overflow before it, if one is on the stack, as the fault
   // it was. Out of line so that the lean loop keeps its values in registers.
@@ -746,8 +807,10 @@ double Engine::EvaluateLean(double x) {
     if (!overflow) [[likely]] return y;
   }
   Evaluator ev{*this};
-  const double r = ev.RunLean(c, reg);
-  if (!ev.bailed) [[likely]] return r;
+  if (ev.LeanCanStart(reg)) [[likely]] {
+    const double r = ev.RunLean(c, reg);
+    if (!ev.bailed) [[likely]] return r;
+  }
   ++evalDepth_;
   ++busyDepth_;
   const double full = ev.Run(c, nullptr);

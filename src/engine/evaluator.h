@@ -52,6 +52,11 @@ enum class LeanOp : uint8_t {
   kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
   kUnary, kBinary, kPow,
   kCall,  // a user function's lean code: `reg` arguments, each read back in 15 digits
+  // A one-parameter body of terms, copied in: the argument read back into register `reg`
+  // (popped), the body's steps, then a check that leaves the point to the full machine if
+  // the body overflowed.
+  kSetParam, kBodyEnd,
+  kParamTerm,  // kSetParam then the body's first step, a term of that register: c * register^k
   kEnd,
 };
 
@@ -79,6 +84,8 @@ constexpr int kParamRegister = kFirstBoundRegister;
 constexpr int kCalleeRegisterCount = kParamRegister + kMaxParameters;
 // Lean code calls bodies at most this deep; deeper calls (and circular ones) run full.
 constexpr int kMaxLeanNesting = 8;
+// Registers of lean code: those above kRegisterCount hold the parameters of copied bodies.
+constexpr int kLeanRegisterCount = kRegisterCount + 64;
 
 struct CompiledCode {
   uint64_t identity = ~uint64_t{0};
@@ -90,6 +97,8 @@ struct CompiledCode {
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
   bool leanCalls = false;       // lean code that calls bodies
+  int16_t leanInputs = 0;       // registers the lean code reads from its caller
+  bool leanCopiedBodies = false;  // lean code that sets registers of its own
   bool leanAllowed = true;      // the engine's lean switch when this was built
   int16_t boundCount = 0;       // bound registers the code reads
   int running = 0;              // calls of this code under way

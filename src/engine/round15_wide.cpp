@@ -59,10 +59,11 @@ U128 TopProduct(uint64_t x, U128 m) {
   return U128{x} * static_cast<uint64_t>(m >> 64) + ((U128{x} * static_cast<uint64_t>(m)) >> 64);
 }
 
-// True when `frac` (of `bits` bits) is too near a half to round without the exact product.
-bool NearHalf(U128 frac, int bits) {
-  const U128 half = U128{1} << (bits - 1);
-  return frac + 4 >= half && frac <= half + 4;
+// True when a fraction, as its high part (of `bits` bits, 1..63) and 64 low bits, is too near
+// a half to round without the exact product. Halves of 64 bits keep the shifts short.
+bool NearHalf(uint64_t high, uint64_t low, int bits) {
+  const uint64_t half = uint64_t{1} << (bits - 1);
+  return (high == half && low <= 4) || (high == half - 1 && low >= ~uint64_t{0} - 4);
 }
 
 }  // namespace
@@ -73,20 +74,22 @@ bool NearHalf(U128 frac, int bits) {
   if (biased == 0 || biased >= 0x7FE) return false;  // subnormals; the top binade may overflow
   const uint64_t m = (bits & ((uint64_t{1} << 52) - 1)) | (uint64_t{1} << 52);
   const int k = biased - 1075;  // |v| = m * 2^k
-  int e = ((biased - 1023) * 78913) >> 18;  // the binade's lowest decade; may be one low
-  uint64_t n = 0;
-  for (int attempt = 0; attempt < 2; ++attempt) {
-    // n = |v| / 10^(e-14) rounded: 15 digits when e is the decimal exponent.
-    const Pow10Wide& p = kWide.v[14 - e - kWideMin];
-    const U128 y = TopProduct(m, p.m);
-    const int shift = -(k + p.exp + 64);  // fraction bits of y
-    if (shift <= 1 || shift >= 127) return false;
-    const U128 frac = y & ((U128{1} << shift) - 1);
-    if (NearHalf(frac, shift)) return false;
-    n = static_cast<uint64_t>(y >> shift) + (frac > (U128{1} << (shift - 1)) ? 1 : 0);
-    if (n < 1000000000000000ull) break;
-    ++e;  // 16 digits: the value lies in the next decade
+  int e = ((biased - 1023) * 78913) >> 18;  // the binade's lowest decade
+  {
+    // One comparison with the next power of ten (truncated: a value on it may take the text).
+    const Pow10Wide& next = kWide.v[e + 1 - kWideMin];
+    const int a = k - 11, b = next.exp + 64;
+    e += a > b || (a == b && (m << 11) >= static_cast<uint64_t>(next.m >> 64));
   }
+  // n = |v| / 10^(e-14) rounded: its 15 digits.
+  const Pow10Wide& p = kWide.v[14 - e - kWideMin];
+  const U128 y = TopProduct(m, p.m);
+  const uint64_t yh = static_cast<uint64_t>(y >> 64), yl = static_cast<uint64_t>(y);
+  const int shift = -(k + p.exp + 128);  // fraction bits in the high half of y
+  if (shift < 1 || shift > 63) return false;
+  const uint64_t frac = yh & ((uint64_t{1} << shift) - 1), half = uint64_t{1} << (shift - 1);
+  if (NearHalf(frac, yl, shift)) return false;
+  const uint64_t n = (yh >> shift) + (frac > half || (frac == half && yl != 0));
   if (n < 100000000000000ull || n > 1000000000000000ull) return false;
   const int d = e - 14;
   double r;
@@ -96,14 +99,16 @@ bool NearHalf(U128 frac, int bits) {
     r = static_cast<double>(n) / kExactPow10[-d];
   } else {
     if (d < kWideMin || d > kWideMax) return false;
-    const Pow10Wide& p = kWide.v[d - kWideMin];
-    const U128 w = TopProduct(n, p.m);
-    const int length = 128 - std::countl_zero(static_cast<uint64_t>(w >> 64));
-    const int shift = length - 53;
-    const U128 rest = w & ((U128{1} << shift) - 1);
-    if (NearHalf(rest, shift)) return false;
-    uint64_t mant = static_cast<uint64_t>(w >> shift) + (rest > (U128{1} << (shift - 1)) ? 1 : 0);
-    int exp2 = shift + p.exp + 64;
+    const Pow10Wide& scale = kWide.v[d - kWideMin];
+    const U128 w = TopProduct(n, scale.m);
+    const uint64_t wh = static_cast<uint64_t>(w >> 64), wl = static_cast<uint64_t>(w);
+    if (wh == 0) return false;
+    const int drop = 64 - std::countl_zero(wh) + 64 - 53;  // bits below the 53 kept
+    if (drop < 1 || drop > 63) return false;
+    const uint64_t rest = wl & ((uint64_t{1} << drop) - 1), restHalf = uint64_t{1} << (drop - 1);
+    if (rest + 4 >= restHalf && rest <= restHalf + 4) return false;
+    uint64_t mant = ((wh << (64 - drop)) | (wl >> drop)) + (rest > restHalf ? 1 : 0);
+    int exp2 = drop + scale.exp + 64;
     if (mant >> 53) mant >>= 1, ++exp2;
     const int rb = exp2 + 52 + 1023;
     if (rb <= 0 || rb >= 0x7FF) return false;

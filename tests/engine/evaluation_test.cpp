@@ -218,6 +218,7 @@ struct LeanOutcome {
 // domain errors and divisions inside a body, a body that reads x as a free variable.
 const char* const kLeanFunctions[] = {
     "f(x)=x^2", "g(a,b)=a/b-b", "h(t)=f(t)+1/t", "q(u)=sqr(u)*exp(0-u)", "w(v)=ln(v)+v*v", "s(t)=t",
+    "p(t)=3*t^2-t+1", "m(t)=t*t*t", "c(t)=p(m(t))*2",
 };
 
 LeanOutcome RunTool(bool lean, const std::string& formula, double x) {
@@ -271,7 +272,8 @@ TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
       // Calls: chains, several arguments, errors and overflows inside bodies, around calls.
       "f(x)", "f(f(x))", "f(f(f(f(f(f(f(f(x))))))))", "g(x,2)", "g(2,x)", "g(x,x-x)", "h(x)", "h(x-x)",
       "q(x)", "w(x)", "w(0-x)", "f(x)*1e300*1e300-w(0)", "w(0)+f(x)*1e300*1e300", "s(x)", "s(s(x))-x",
-      "f(x*1e300)", "1/f(x)", "g(f(x),h(x))+q(f(x))", "x-s(x)", "f(x)^2/s(x)",
+      "f(x*1e300)", "1/f(x)", "g(f(x),h(x))+q(f(x))", "x-s(x)", "f(x)^2/s(x)", "p(x)", "m(p(x))-p(m(x))",
+      "c(x)", "c(c(x))", "p(x)*m(x)/f(x)", "ln(m(x))+p(0-x)",
   };
   for (const char* f : formulas) ExpectLeanAgrees(f);
   // Calls, divisions by expressions, exp and sqr of expressions and nested parentheses run lean.
@@ -296,7 +298,8 @@ std::string RandomLeanFormula(std::mt19937& rng, int depth) {
   static const char* const atoms[] = {"x", "x", "x", "0", "1", "2", "0.5", "3", "1e300", "PI", "7"};
   static const char* const ops[] = {"+", "-", "*", "/", "^"};
   static const char* const functions[] = {"sin", "cos", "atan", "abs", "tan", "exp", "sqr",
-                                          "ln",  "sinh", "log", "f",  "h",   "q",   "w", "s"};
+                                          "ln",  "sinh", "log", "f",  "h",   "q",   "w", "s",
+                                          "p",   "m",    "c"};
   auto pick = [&rng](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
   const int c = pick(10);
   if (depth == 0 || c < 3) return atoms[pick(11)];
@@ -304,18 +307,18 @@ std::string RandomLeanFormula(std::mt19937& rng, int depth) {
   if (c < 7) return "(" + left + ops[pick(5)] + RandomLeanFormula(rng, depth - 1) + ")";
   if (c < 8) return left + ops[pick(4)] + RandomLeanFormula(rng, depth - 1);  // precedence decides
   if (c < 9) return "g(" + left + "," + RandomLeanFormula(rng, depth - 1) + ")";
-  return std::string(functions[pick(15)]) + "(" + left + ")";
+  return std::string(functions[pick(18)]) + "(" + left + ")";
 }
 
 TEST(Evaluation, LeanToolCodeAgreesOnRandomFormulas) {
   std::mt19937 rng(1717);
   int lean = 0;
-  for (int i = 0; i < 400; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     std::string formula = RandomLeanFormula(rng, 4);
     if (formula.find('x') == std::string::npos) formula += "+x";
     if (ExpectLeanAgrees(formula)) ++lean;
   }
-  EXPECT_GT(lean, 300);
+  EXPECT_GT(lean, 750);
 }
 
 }  // namespace

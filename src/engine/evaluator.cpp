@@ -102,6 +102,35 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, b
   int nextRegister = kRegisterCount;
   auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == LeanOp::kPushTerm; };
   auto reg = [](const Instr& in) { return static_cast<uint8_t>(in.count); };
+  // A constant pushed just before the steps that made the top value from one push: the
+  // binary step after them can take it as an operand instead (c + v and c * v are v + c and
+  // v * c to the bit). Returns its index, or -1.
+  auto constantBeforeRun = [&]() -> int {
+    for (int i = static_cast<int>(out.size()) - 1; i >= 1; --i) {
+      switch (out[i].op) {
+        case LeanOp::kPushC: case LeanOp::kPushReg: case LeanOp::kPushTerm: case LeanOp::kPushNegTerm:
+          return out[i - 1].op == LeanOp::kPushC ? i - 1 : -1;
+        case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kDivReg:
+        case LeanOp::kAddC: case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt:
+        case LeanOp::kSin: case LeanOp::kCos: case LeanOp::kAtan: case LeanOp::kAbs: case LeanOp::kTan:
+        case LeanOp::kExp: case LeanOp::kSqr: case LeanOp::kLn: case LeanOp::kUnary: case LeanOp::kParamTerm:
+        case LeanOp::kSinh: case LeanOp::kCosh: case LeanOp::kTanh: case LeanOp::kLog:
+        case LeanOp::kBodyEnd: case LeanOp::kRevSubC: case LeanOp::kRevDivC:
+          continue;
+        default:
+          return -1;
+      }
+    }
+    return -1;
+  };
+  auto takeConstant = [&](LeanOp op) {
+    const int j = constantBeforeRun();
+    if (j < 0) return false;
+    const double c = out[j].c;
+    out.erase(out.begin() + j);
+    out.push_back({op, 0, 1, c});
+    return true;
+  };
   for (const Instr& in : code) {
     switch (in.op) {
       case Op::kConst: out.push_back({LeanOp::kPushC, 0, 1, in.value}); break;
@@ -119,7 +148,13 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, b
         break;
       case Op::kAddC: out.push_back({LeanOp::kAddC, 0, 1, in.value}); break;
       case Op::kSubC: out.push_back({LeanOp::kSubC, 0, 1, in.value}); break;
-      case Op::kDivC: out.push_back({LeanOp::kDivC, 0, 1, in.value}); break;
+      case Op::kDivC: {
+        // By a power of two, a product by its reciprocal is the same quotient to the bit.
+        int exp2 = 0;
+        const bool power = std::fabs(std::frexp(in.value, &exp2)) == 0.5 && exp2 > -1000 && exp2 < 1000;
+        out.push_back({power ? LeanOp::kMulC : LeanOp::kDivC, 0, 1, power ? 1 / in.value : in.value});
+        break;
+      }
       case Op::kAddR: out.push_back({LeanOp::kAddTerm, reg(in), 1, 1}); break;
       case Op::kSubR: out.push_back({LeanOp::kSubTerm, reg(in), 1, 1}); break;
       case Op::kMulR: out.push_back({LeanOp::kMulTerm, reg(in), 1, 1}); break;
@@ -134,12 +169,14 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, b
           out.pop_back();
         } else if (lastIsPlainTerm()) {
           out.back().op = add ? LeanOp::kAddTerm : sub ? LeanOp::kSubTerm : LeanOp::kMulTerm;
-        } else {
+        } else if (!takeConstant(add ? LeanOp::kAddC : sub ? LeanOp::kRevSubC : LeanOp::kMulC)) {
           out.push_back({add ? LeanOp::kAdd : sub ? LeanOp::kSub : LeanOp::kMul});
         }
         break;
       }
-      case Op::kDiv: out.push_back({LeanOp::kDiv}); break;
+      case Op::kDiv:
+        if (!takeConstant(LeanOp::kRevDivC)) out.push_back({LeanOp::kDiv});
+        break;
       case Op::kPowInt:
         if (in.arg < 1) return {};  // x^0 is 1 even for an overflowed x
         // A parameter's power: its register is never -0, so the term's product is the same.
@@ -161,6 +198,10 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, b
           case Builtin::kExp: op = LeanOp::kExp; break;
           case Builtin::kSqr: op = LeanOp::kSqr; break;
           case Builtin::kLn: op = LeanOp::kLn; break;
+          case Builtin::kSinh: op = LeanOp::kSinh; break;
+          case Builtin::kCosh: op = LeanOp::kCosh; break;
+          case Builtin::kTanh: op = LeanOp::kTanh; break;
+          case Builtin::kLog: op = LeanOp::kLog; break;
           default: op = LeanOp::kUnary; break;
         }
         out.push_back({op, 0, 1, 1, in.fn});
@@ -201,8 +242,19 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, b
   for (LeanInstr& in : out) {
     if (in.op == LeanOp::kPushTerm && in.k == 1 && in.c == 1) in.op = LeanOp::kPushReg;
   }
-  out.push_back({LeanOp::kEnd});
-  return out;
+  // A term and the constant added to it in one step (t - c is t + -c to the bit).
+  std::vector<LeanInstr> fused;
+  for (const LeanInstr& in : out) {
+    if ((in.op == LeanOp::kAddC || in.op == LeanOp::kSubC) && !fused.empty() &&
+        (fused.back().op == LeanOp::kPushTerm || fused.back().op == LeanOp::kPushReg)) {
+      fused.back().op = LeanOp::kPushTermAddC;
+      fused.back().d = in.op == LeanOp::kAddC ? in.c : -in.c;
+      continue;
+    }
+    fused.push_back(in);
+  }
+  fused.push_back({LeanOp::kEnd});
+  return fused;
 }
 
 // True when lean code is one running value: a first term or constant, then steps that
@@ -210,13 +262,14 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, Callee callee, b
 bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
   LeanOp first = lean[0].op;
   if (first != LeanOp::kPushC && first != LeanOp::kPushReg && first != LeanOp::kPushTerm &&
-      first != LeanOp::kPushNegTerm) {
+      first != LeanOp::kPushNegTerm && first != LeanOp::kPushTermAddC) {
     return false;
   }
   for (size_t i = 1; i < lean.size(); ++i) {
     switch (lean[i].op) {
       case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kAddC:
-      case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt: case LeanOp::kEnd:
+      case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt: case LeanOp::kRevSubC:
+      case LeanOp::kEnd:
         break;
       default:
         return false;
@@ -253,10 +306,11 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
 // it can fail before the end, where non-finite means an overflow somewhere on the way.
 double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
   auto term = [reg](const LeanInstr& q) { return IntPower(reg[q.reg], q.k) * q.c; };
-  double top = p->op == LeanOp::kPushC      ? p->c
-               : p->op == LeanOp::kPushReg  ? reg[p->reg]
-               : p->op == LeanOp::kPushTerm ? term(*p)
-                                            : 0.0 - term(*p);
+  double top = p->op == LeanOp::kPushC          ? p->c
+               : p->op == LeanOp::kPushReg      ? reg[p->reg]
+               : p->op == LeanOp::kPushTerm     ? term(*p)
+               : p->op == LeanOp::kPushTermAddC ? term(*p) + p->d
+                                                : 0.0 - term(*p);
   for (++p;; ++p) {
     switch (p->op) {
       case LeanOp::kAddTerm: top = top + term(*p); continue;
@@ -267,6 +321,7 @@ double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
       case LeanOp::kMulC: top = top * p->c; continue;
       case LeanOp::kDivC: top = top / p->c; continue;
       case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+      case LeanOp::kRevSubC: top = p->c - top; continue;
       default: break;
     }
     break;
@@ -439,6 +494,13 @@ struct Evaluator {
         case LeanOp::kPushReg: *++sp = top; top = reg[p->reg]; continue;
         case LeanOp::kPushTerm: *++sp = top; top = term(*p); continue;
         case LeanOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
+        case LeanOp::kPushTermAddC: *++sp = top; top = term(*p) + p->d; continue;
+        case LeanOp::kRevSubC: top = p->c - top; continue;
+        case LeanOp::kRevDivC:
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // c/inf would hide it
+          if (top == 0) return LEAN_FAIL(11, nullptr);
+          top = p->c / top;
+          continue;
         case LeanOp::kAddTerm: top = top + term(*p); continue;
         case LeanOp::kSubTerm: top = top - term(*p); continue;
         case LeanOp::kMulTerm: top = top * term(*p); continue;
@@ -471,6 +533,19 @@ struct Evaluator {
         MERIDA_UNARY(kAbs, std::fabs(top))
         MERIDA_UNARY(kTan, std::tan(top))
         MERIDA_UNARY(kExp, std::exp(top))
+        MERIDA_UNARY(kSinh, (std::exp(top) - std::exp(-top)) / 2)
+        MERIDA_UNARY(kCosh, (std::exp(top) + std::exp(-top)) / 2)
+        case LeanOp::kTanh: {
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          const double p2 = std::exp(top), q2 = std::exp(-top);
+          top = (p2 - q2) / (p2 + q2);
+          continue;
+        }
+        case LeanOp::kLog:
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          if (top <= 0) return LEAN_FAIL(13, nullptr);
+          top = std::log(top) / std::log(10.0);
+          continue;
 #undef MERIDA_UNARY
         case LeanOp::kSqr:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
@@ -799,13 +874,19 @@ double Engine::EvaluateProgram(int16_t n) {
 double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
-  CompiledCode& c = *code_[0];
+  const CompiledCode& c = *code_[0];
   const double reg[2] = {x, c.usesRounded ? Round15(x) : 0};
   if (c.termsOnly) {
     bool overflow;
     double y = RunTerms(c.lean.data(), reg, overflow);
     if (!overflow) [[likely]] return y;
   }
+  return EvaluateLeanStack(reg);
+}
+
+// Out of line, so that terms-only code pays for neither the stack nor the register file.
+double Engine::EvaluateLeanStack(const double* reg) {
+  CompiledCode& c = *code_[0];
   Evaluator ev{*this};
   if (ev.LeanCanStart(reg)) [[likely]] {
     const double r = ev.RunLean(c, reg);

@@ -50,6 +50,7 @@ enum class LeanOp : uint8_t {
   kPushC, kPushReg, kPushTerm, kPushNegTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
   kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
   kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
+  kSinh, kCosh, kTanh, kLog,  // computed as the built-ins compute them
   kUnary, kBinary, kPow,
   kCall,  // a user function's lean code: `reg` arguments, each read back in 15 digits
   // A one-parameter body of terms, copied in: the argument read back into register `reg`
@@ -57,6 +58,8 @@ enum class LeanOp : uint8_t {
   // the body overflowed.
   kSetParam, kBodyEnd,
   kParamTerm,  // kSetParam then the body's first step, a term of that register: c * register^k
+  kPushTermAddC,  // push c * register^k + d
+  kRevSubC, kRevDivC,  // c - top, c / top: a constant pushed before a run of steps on one value
   kEnd,
 };
 
@@ -69,6 +72,7 @@ struct LeanInstr {
   double c = 1;
   Builtin fn = Builtin::kNone;
   const CompiledCode* callee = nullptr;
+  double d = 0;
 };
 
 struct VariableSlot {

@@ -273,7 +273,8 @@ TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
       "f(x)", "f(f(x))", "f(f(f(f(f(f(f(f(x))))))))", "g(x,2)", "g(2,x)", "g(x,x-x)", "h(x)", "h(x-x)",
       "q(x)", "w(x)", "w(0-x)", "f(x)*1e300*1e300-w(0)", "w(0)+f(x)*1e300*1e300", "s(x)", "s(s(x))-x",
       "f(x*1e300)", "1/f(x)", "g(f(x),h(x))+q(f(x))", "x-s(x)", "f(x)^2/s(x)", "p(x)", "m(p(x))-p(m(x))",
-      "c(x)", "c(c(x))", "p(x)*m(x)/f(x)", "ln(m(x))+p(0-x)",
+      "c(x)", "c(c(x))", "p(x)*m(x)/f(x)", "ln(m(x))+p(0-x)", "x/2", "x/0.25/(0-4)", "x/1e300/1e300/2",
+      "1-(x+2)*3", "2/(x-1)", "1/(x*1e300*1e300)+ln(0)", "cosh(x)*tanh(x)-sinh(x)/log(x)",
   };
   for (const char* f : formulas) ExpectLeanAgrees(f);
   // Calls, divisions by expressions, exp and sqr of expressions and nested parentheses run lean.
@@ -295,19 +296,19 @@ TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
 
 // Random formulas: any mix of the operations, powers, parentheses, built-ins and calls.
 std::string RandomLeanFormula(std::mt19937& rng, int depth) {
-  static const char* const atoms[] = {"x", "x", "x", "0", "1", "2", "0.5", "3", "1e300", "PI", "7"};
+  static const char* const atoms[] = {"x", "x", "x", "0", "1", "2", "0.5", "3", "1e300", "PI", "7", "0.25", "0.001"};
   static const char* const ops[] = {"+", "-", "*", "/", "^"};
   static const char* const functions[] = {"sin", "cos", "atan", "abs", "tan", "exp", "sqr",
                                           "ln",  "sinh", "log", "f",  "h",   "q",   "w", "s",
-                                          "p",   "m",    "c"};
+                                          "p",   "m",    "c",  "cosh", "tanh"};
   auto pick = [&rng](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
   const int c = pick(10);
-  if (depth == 0 || c < 3) return atoms[pick(11)];
+  if (depth == 0 || c < 3) return atoms[pick(13)];
   const std::string left = RandomLeanFormula(rng, depth - 1);
   if (c < 7) return "(" + left + ops[pick(5)] + RandomLeanFormula(rng, depth - 1) + ")";
   if (c < 8) return left + ops[pick(4)] + RandomLeanFormula(rng, depth - 1);  // precedence decides
   if (c < 9) return "g(" + left + "," + RandomLeanFormula(rng, depth - 1) + ")";
-  return std::string(functions[pick(18)]) + "(" + left + ")";
+  return std::string(functions[pick(20)]) + "(" + left + ")";
 }
 
 TEST(Evaluation, LeanToolCodeAgreesOnRandomFormulas) {

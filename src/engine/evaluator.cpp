@@ -488,45 +488,90 @@ struct Evaluator {
     auto term = [reg](const LeanInstr& p) { return IntPower(reg[p.reg], p.k) * p.c; };
     // Values, not references: top and sp must stay in registers.
 #define LEAN_FAIL(code, fault) (inBody ? Bail() : LeanFailed(code, fault, top, base, sp))
-    for (const LeanInstr* p = c.lean.data();; ++p) {
-      switch (p->op) {
-        case LeanOp::kPushC: *++sp = top; top = p->c; continue;
-        case LeanOp::kPushReg: *++sp = top; top = reg[p->reg]; continue;
-        case LeanOp::kPushTerm: *++sp = top; top = term(*p); continue;
-        case LeanOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
-        case LeanOp::kPushTermAddC: *++sp = top; top = term(*p) + p->d; continue;
-        case LeanOp::kRevSubC: top = p->c - top; continue;
-        case LeanOp::kRevDivC:
+    // Threaded: every step jumps to the next step's code itself.
+    static const void* const kJump[] = {
+        &&L_kPushC,
+        &&L_kPushReg,
+        &&L_kPushTerm,
+        &&L_kPushNegTerm,
+        &&L_kAddTerm,
+        &&L_kSubTerm,
+        &&L_kMulTerm,
+        &&L_kDivReg,
+        &&L_kAddC,
+        &&L_kSubC,
+        &&L_kMulC,
+        &&L_kDivC,
+        &&L_kAdd,
+        &&L_kSub,
+        &&L_kMul,
+        &&L_kDiv,
+        &&L_kPowInt,
+        &&L_kSin,
+        &&L_kCos,
+        &&L_kAtan,
+        &&L_kAbs,
+        &&L_kTan,
+        &&L_kExp,
+        &&L_kSqr,
+        &&L_kLn,
+        &&L_kSinh,
+        &&L_kCosh,
+        &&L_kTanh,
+        &&L_kLog,
+        &&L_kUnary,
+        &&L_kBinary,
+        &&L_kPow,
+        &&L_kCall,
+        &&L_kSetParam,
+        &&L_kBodyEnd,
+        &&L_kParamTerm,
+        &&L_kPushTermAddC,
+        &&L_kRevSubC,
+        &&L_kRevDivC,
+        &&L_kEnd};
+    static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
+    const LeanInstr* p = c.lean.data();
+#define NEXT goto* kJump[static_cast<int>((++p)->op)]
+    goto* kJump[static_cast<int>(p->op)];
+    {
+        L_kPushC: *++sp = top; top = p->c; NEXT;
+        L_kPushReg: *++sp = top; top = reg[p->reg]; NEXT;
+        L_kPushTerm: *++sp = top; top = term(*p); NEXT;
+        L_kPushNegTerm: *++sp = top; top = 0.0 - term(*p); NEXT;
+        L_kPushTermAddC: *++sp = top; top = term(*p) + p->d; NEXT;
+        L_kRevSubC: top = p->c - top; NEXT;
+        L_kRevDivC:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // c/inf would hide it
           if (top == 0) return LEAN_FAIL(11, nullptr);
           top = p->c / top;
-          continue;
-        case LeanOp::kAddTerm: top = top + term(*p); continue;
-        case LeanOp::kSubTerm: top = top - term(*p); continue;
-        case LeanOp::kMulTerm: top = top * term(*p); continue;
-        case LeanOp::kDivReg:
+          NEXT;
+        L_kAddTerm: top = top + term(*p); NEXT;
+        L_kSubTerm: top = top - term(*p); NEXT;
+        L_kMulTerm: top = top * term(*p); NEXT;
+        L_kDivReg:
           if (reg[p->reg] == 0) return LEAN_FAIL(11, nullptr);
           top = top / reg[p->reg];
-          continue;
-        case LeanOp::kAddC: top = top + p->c; continue;
-        case LeanOp::kSubC: top = top - p->c; continue;
-        case LeanOp::kMulC: top = top * p->c; continue;
-        case LeanOp::kDivC: top = top / p->c; continue;
-        case LeanOp::kAdd: top = *sp-- + top; continue;
-        case LeanOp::kSub: top = *sp-- - top; continue;
-        case LeanOp::kMul: top = *sp-- * top; continue;
-        case LeanOp::kDiv:
+          NEXT;
+        L_kAddC: top = top + p->c; NEXT;
+        L_kSubC: top = top - p->c; NEXT;
+        L_kMulC: top = top * p->c; NEXT;
+        L_kDivC: top = top / p->c; NEXT;
+        L_kAdd: top = *sp-- + top; NEXT;
+        L_kSub: top = *sp-- - top; NEXT;
+        L_kMul: top = *sp-- * top; NEXT;
+        L_kDiv:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // n/inf would hide it
           if (top == 0) return LEAN_FAIL(11, nullptr);
           top = *sp-- / top;
-          continue;
-        case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+          NEXT;
+        L_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
         // A function could turn an overflow into a number (atan, exp of -inf): look first.
 #define MERIDA_UNARY(name, expr)                                      \
-  case LeanOp::name:                                                  \
+  L_##name:                                                           \
     if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");         \
     top = expr;                                                       \
-    continue;
+    NEXT;
         MERIDA_UNARY(kSin, std::sin(top))
         MERIDA_UNARY(kCos, std::cos(top))
         MERIDA_UNARY(kAtan, std::atan(top))
@@ -535,44 +580,44 @@ struct Evaluator {
         MERIDA_UNARY(kExp, std::exp(top))
         MERIDA_UNARY(kSinh, (std::exp(top) - std::exp(-top)) / 2)
         MERIDA_UNARY(kCosh, (std::exp(top) + std::exp(-top)) / 2)
-        case LeanOp::kTanh: {
+        L_kTanh: {
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           const double p2 = std::exp(top), q2 = std::exp(-top);
           top = (p2 - q2) / (p2 + q2);
-          continue;
+          NEXT;
         }
-        case LeanOp::kLog:
+        L_kLog:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top <= 0) return LEAN_FAIL(13, nullptr);
           top = std::log(top) / std::log(10.0);
-          continue;
+          NEXT;
 #undef MERIDA_UNARY
-        case LeanOp::kSqr:
+        L_kSqr:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top < 0) return LEAN_FAIL(12, nullptr);
           top = std::sqrt(top);
-          continue;
-        case LeanOp::kLn:
+          NEXT;
+        L_kLn:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top <= 0) return LEAN_FAIL(13, nullptr);
           top = std::log(top);
-          continue;
-        case LeanOp::kUnary: {
+          NEXT;
+        L_kUnary: {
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           Applied r = ApplyBuiltin(p->fn, 0, top);
           if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
-          continue;
+          NEXT;
         }
-        case LeanOp::kBinary: case LeanOp::kPow: {
+        L_kBinary: L_kPow: {
           if (!std::isfinite(top) || !std::isfinite(*sp)) return LEAN_FAIL(kFault, "Overflow");
           Applied r = p->op == LeanOp::kPow ? Power(*sp, top) : ApplyBuiltin(p->fn, *sp, top);
           --sp;
           if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
-          continue;
+          NEXT;
         }
-        case LeanOp::kCall: {
+        L_kCall: {
           // The arguments are the top `reg` values, deepest first.
           const int count = p->reg;
           double args[kCalleeRegisterCount];
@@ -586,27 +631,26 @@ struct Evaluator {
           sp -= count - 1;
           top = CallLean(*p->callee, args);
           if (bailed) return 0;
-          continue;
+          NEXT;
         }
-        case LeanOp::kSetParam:
+        L_kSetParam:
           file[p->reg] = Round15(top);
           if (!std::isfinite(file[p->reg])) [[unlikely]] return Bail();
           top = *sp--;
-          continue;
-        case LeanOp::kBodyEnd:
+          NEXT;
+        L_kBodyEnd:
           if (!std::isfinite(top)) [[unlikely]] return Bail();
-          continue;
-        case LeanOp::kParamTerm: {
+          NEXT;
+        L_kParamTerm: {
           const double v = Round15(top);
           if (!std::isfinite(v)) [[unlikely]] return Bail();
           file[p->reg] = v;
           top = IntPower(v, p->k) * p->c;
-          continue;
+          NEXT;
         }
-        case LeanOp::kEnd: break;
-      }
-      break;
     }
+  L_kEnd:
+#undef NEXT
     if (!std::isfinite(top)) [[unlikely]] return LEAN_FAIL(kFault, "Overflow");
     return top;
 #undef LEAN_FAIL

@@ -311,21 +311,22 @@ double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
                : p->op == LeanOp::kPushTerm     ? term(*p)
                : p->op == LeanOp::kPushTermAddC ? term(*p) + p->d
                                                 : 0.0 - term(*p);
-  for (++p;; ++p) {
-    switch (p->op) {
-      case LeanOp::kAddTerm: top = top + term(*p); continue;
-      case LeanOp::kSubTerm: top = top - term(*p); continue;
-      case LeanOp::kMulTerm: top = top * term(*p); continue;
-      case LeanOp::kAddC: top = top + p->c; continue;
-      case LeanOp::kSubC: top = top - p->c; continue;
-      case LeanOp::kMulC: top = top * p->c; continue;
-      case LeanOp::kDivC: top = top / p->c; continue;
-      case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
-      case LeanOp::kRevSubC: top = p->c - top; continue;
-      default: break;
-    }
-    break;
-  }
+  // Threaded like the stack form; every other step ends the terms.
+  static const void* const kJump[] = {&&T_end, &&T_end, &&T_end, &&T_end, &&T_kAddTerm, &&T_kSubTerm, &&T_kMulTerm, &&T_end, &&T_kAddC, &&T_kSubC, &&T_kMulC, &&T_kDivC, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kPowInt, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kRevSubC, &&T_end, &&T_end};
+  static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
+#define NEXT goto* kJump[static_cast<int>((++p)->op)]
+  NEXT;
+T_kAddTerm: top = top + term(*p); NEXT;
+T_kSubTerm: top = top - term(*p); NEXT;
+T_kMulTerm: top = top * term(*p); NEXT;
+T_kAddC: top = top + p->c; NEXT;
+T_kSubC: top = top - p->c; NEXT;
+T_kMulC: top = top * p->c; NEXT;
+T_kDivC: top = top / p->c; NEXT;
+T_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
+T_kRevSubC: top = p->c - top; NEXT;
+#undef NEXT
+T_end:
   overflow = !std::isfinite(top);
   return top;
 }

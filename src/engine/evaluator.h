@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -112,5 +113,44 @@ struct CompiledCode {
   std::vector<double> varValue;
   std::vector<uint8_t> varBound;
 };
+
+constexpr double kPiValue = 3.14159265358979;  // the constants PI and E
+constexpr double kEValue = 2.71828182845905;
+
+// a^k for k >= 1 by repeated products, as the power step makes it (for a != 0).
+[[gnu::always_inline]] inline double IntPower(double a, int k) {
+  double r = a;
+  for (int i = 1; i < k; ++i) r *= a;
+  return r;
+}
+
+// top^k for a whole k, as the integral power instructions compute it; false when a negative k
+// meets a power that underflowed to 0.
+[[gnu::always_inline]] inline bool WholePower(double& top, int k) {
+  if (k == 0) {
+    top = 1;
+    return true;
+  }
+  if (top == 0) return true;  // 0^k is 0, also for negative k
+  double r = IntPower(top, k < 0 ? -k : k);
+  if (k < 0) {
+    if (r == 0) return false;
+    r = 1 / r;
+  }
+  top = r;
+  return true;
+}
+
+
+// A called slot's code with a lean form, or null.
+using LeanCallee = std::function<const CompiledCode*(int slot)>;
+
+// The lean form of tool-mode code, or nothing when a step needs the full machine. Sets
+// `usesRounded` when a copied body reads x back.
+std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee& callee, bool& usesRounded);
+// True when lean code is one running value that needs no stack (see RunTerms).
+bool IsTermsOnly(const std::vector<LeanInstr>& lean);
+// Runs terms-only lean code; `overflow` when the value is not finite.
+double RunTerms(const LeanInstr* p, const double* reg, bool& overflow);
 
 }  // namespace merida

@@ -233,7 +233,7 @@ class Engine {
   CompiledCode& CodeAtDepth();
   double EvaluateAtSlow(const SavedProgram& saved, double x);
   [[gnu::noinline]] double EvaluateLean(double x);
-  [[gnu::noinline]] double EvaluateLeanStack(const double* reg);
+  [[gnu::noinline]] double EvaluateLeanStack(double x, double rounded);
 
   EngineHost* host_;
   std::string currentMessage_;

@@ -203,20 +203,10 @@ struct Evaluator {
                  : std::vector<LeanInstr>{};
     c.usesRounded = c.usesRounded || rounded;
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
-    c.leanCalls = false;
-    c.leanCopiedBodies = false;
-    c.leanInputs = kFirstBoundRegister;
-    for (const LeanInstr& in : c.lean) {
-      switch (in.op) {
-        case LeanOp::kCall: c.leanCalls = true; break;
-        case LeanOp::kSetParam: case LeanOp::kParamTerm: c.leanCalls = c.leanCopiedBodies = true; break;
-        case LeanOp::kPushReg: case LeanOp::kPushTerm: case LeanOp::kPushNegTerm: case LeanOp::kAddTerm:
-        case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kDivReg:
-          if (in.reg < kRegisterCount) c.leanInputs = std::max<int16_t>(c.leanInputs, static_cast<int16_t>(in.reg + 1));
-          break;
-        default: break;
-      }
-    }
+    c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(), [](const LeanInstr& in) {
+      return in.op == LeanOp::kCall || in.op == LeanOp::kSetParam || in.op == LeanOp::kParamTerm ||
+             in.op == LeanOp::kParamTermEnd;
+    });
   }
 
   // The cached tool-mode code of a called slot when it has a lean form, built if need be.
@@ -236,17 +226,14 @@ struct Evaluator {
   // Inside a called body (`inBody`), anything but a finite value leaves the point to the full
   // machine (`bailed`): lean code has shown nothing yet, so running the point again from the
   // start reports what the full machine reports, in its order.
-  double RunLean(const CompiledCode& c, const double* reg, bool inBody = false) {
-    double file[kLeanRegisterCount];
-    if (c.leanCopiedBodies) {
-      std::copy(reg, reg + c.leanInputs, file);
-      reg = file;
-    }
+  // `reg` holds kLeanRegisterCount values: copied bodies keep their parameters above the
+  // caller's registers.
+  double RunLean(const CompiledCode& c, double* reg, bool inBody = false) {
     double stack[kMaxTokens + 2];
     double* const base = stack;
     double* sp = base;
     double top = 0;
-    auto term = [reg](const LeanInstr& p) { return IntPower(reg[p.reg], p.k) * p.c; };
+    auto term = [reg](const LeanInstr& p) { return Term(reg[p.reg], p.k, p.c); };
     // Values, not references: top and sp must stay in registers.
 #define LEAN_FAIL(code, fault) (inBody ? Bail() : LeanFailed(code, fault, top, base, sp))
     // Threaded: every step jumps to the next step's code itself.
@@ -290,6 +277,7 @@ struct Evaluator {
         &&L_kPushTermAddC,
         &&L_kRevSubC,
         &&L_kRevDivC,
+        &&L_kParamTermEnd,
         &&L_kEnd};
     static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
     const LeanInstr* p = c.lean.data();
@@ -381,7 +369,7 @@ struct Evaluator {
         L_kCall: {
           // The arguments are the top `reg` values, deepest first.
           const int count = p->reg;
-          double args[kCalleeRegisterCount];
+          double args[kLeanRegisterCount];
           args[0] = reg[0];
           args[1] = p->callee->usesRounded ? Round15(reg[0]) : 0;
           for (int j = 0; j < count; ++j) {
@@ -395,8 +383,8 @@ struct Evaluator {
           NEXT;
         }
         L_kSetParam:
-          file[p->reg] = Round15(top);
-          if (!std::isfinite(file[p->reg])) [[unlikely]] return Bail();
+          reg[p->reg] = Round15(top);
+          if (!std::isfinite(reg[p->reg])) [[unlikely]] return Bail();
           top = *sp--;
           NEXT;
         L_kBodyEnd:
@@ -405,8 +393,16 @@ struct Evaluator {
         L_kParamTerm: {
           const double v = Round15(top);
           if (!std::isfinite(v)) [[unlikely]] return Bail();
-          file[p->reg] = v;
-          top = IntPower(v, p->k) * p->c;
+          reg[p->reg] = v;
+          top = Term(v, p->k, p->c);
+          NEXT;
+        }
+        L_kParamTermEnd: {
+          const double v = Round15(top);
+          if (!std::isfinite(v)) [[unlikely]] return Bail();
+          reg[p->reg] = v;
+          top = Term(v, p->k, p->c);
+          if (!std::isfinite(top)) [[unlikely]] return Bail();
           NEXT;
         }
     }
@@ -423,7 +419,7 @@ struct Evaluator {
     return 0;
   }
 
-  double CallLean(const CompiledCode& body, const double* args) {
+  double CallLean(const CompiledCode& body, double* args) {
     if (body.termsOnly) {
       bool overflow;
       const double r = RunTerms(body.lean.data(), args, overflow);
@@ -433,7 +429,7 @@ struct Evaluator {
   }
 
   // Lean code from the first step, or the full machine when the lean form left the point.
-  double RunLeanOrFull(CompiledCode& c, const double* reg, const double* bound = nullptr) {
+  double RunLeanOrFull(CompiledCode& c, double* reg, const double* bound = nullptr) {
     if (LeanCanStart(reg)) [[likely]] {
       double r = RunLean(c, reg);
       if (!bailed) [[likely]] return r;
@@ -668,7 +664,9 @@ double Engine::EvaluateProgram(int16_t n) {
   if (c.lean.empty() || XValue == 0 || (c.leanCalls && evalDepth_ + kMaxLeanNesting >= kMaxCallDepth)) {
     r = ev.Run(c, nullptr);
   } else {
-    const double reg[2] = {XValue, c.usesRounded ? Round15(XValue) : 0};
+    double reg[kLeanRegisterCount];
+    reg[0] = XValue;
+    reg[1] = c.usesRounded ? Round15(XValue) : 0;
     r = ev.RunLeanOrFull(c, reg);
   }
   --busyDepth_;
@@ -686,11 +684,14 @@ double Engine::EvaluateLean(double x) {
     double y = RunTerms(c.lean.data(), reg, overflow);
     if (!overflow) [[likely]] return y;
   }
-  return EvaluateLeanStack(reg);
+  return EvaluateLeanStack(reg[0], reg[1]);
 }
 
 // Out of line, so that terms-only code pays for neither the stack nor the register file.
-double Engine::EvaluateLeanStack(const double* reg) {
+double Engine::EvaluateLeanStack(double x, double rounded) {
+  double reg[kLeanRegisterCount];
+  reg[0] = x;
+  reg[1] = rounded;
   CompiledCode& c = *code_[0];
   Evaluator ev{*this};
   if (ev.LeanCanStart(reg)) [[likely]] {
@@ -721,7 +722,7 @@ double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const i
   }
   ++evalDepth_;
   ++busyDepth_;
-  double reg[kRegisterCount];
+  double reg[kLeanRegisterCount];
   reg[0] = x;
   reg[1] = c.usesRounded ? Round15(x) : 0;
   for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = values[k];

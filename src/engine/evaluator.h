@@ -61,6 +61,7 @@ enum class LeanOp : uint8_t {
   kParamTerm,  // kSetParam then the body's first step, a term of that register: c * register^k
   kPushTermAddC,  // push c * register^k + d
   kRevSubC, kRevDivC,  // c - top, c / top: a constant pushed before a run of steps on one value
+  kParamTermEnd,  // kParamTerm of a body that is that one term, then kBodyEnd
   kEnd,
 };
 
@@ -102,8 +103,6 @@ struct CompiledCode {
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
   bool leanCalls = false;       // lean code that calls bodies
-  int16_t leanInputs = 0;       // registers the lean code reads from its caller
-  bool leanCopiedBodies = false;  // lean code that sets registers of its own
   bool leanAllowed = true;      // the engine's lean switch when this was built
   int16_t boundCount = 0;       // bound registers the code reads
   int running = 0;              // calls of this code under way
@@ -141,6 +140,12 @@ constexpr double kEValue = 2.71828182845905;
   return true;
 }
 
+
+// c * r^k as the separate steps make it. A product by 1 changes no value: it is left out.
+[[gnu::always_inline]] inline double Term(double r, int k, double c) {
+  const double t = IntPower(r, k);
+  return c == 1 ? t : t * c;
+}
 
 // A called slot's code with a lean form, or null.
 using LeanCallee = std::function<const CompiledCode*(int slot)>;

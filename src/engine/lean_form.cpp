@@ -27,7 +27,7 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee
         case LeanOp::kSin: case LeanOp::kCos: case LeanOp::kAtan: case LeanOp::kAbs: case LeanOp::kTan:
         case LeanOp::kExp: case LeanOp::kSqr: case LeanOp::kLn: case LeanOp::kUnary: case LeanOp::kParamTerm:
         case LeanOp::kSinh: case LeanOp::kCosh: case LeanOp::kTanh: case LeanOp::kLog:
-        case LeanOp::kBodyEnd: case LeanOp::kRevSubC: case LeanOp::kRevDivC:
+        case LeanOp::kBodyEnd: case LeanOp::kRevSubC: case LeanOp::kRevDivC: case LeanOp::kParamTermEnd:
           continue;
         default:
           return -1;
@@ -139,7 +139,8 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee
             }
             out.push_back(step);
           }
-          out.push_back({LeanOp::kBodyEnd});
+          if (out.back().op == LeanOp::kParamTerm) out.back().op = LeanOp::kParamTermEnd;  // a body of one term
+          else out.push_back({LeanOp::kBodyEnd});
           usesRounded = usesRounded || body->usesRounded;
           break;
         }
@@ -193,14 +194,14 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
 // Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
 // it can fail before the end, where non-finite means an overflow somewhere on the way.
 double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
-  auto term = [reg](const LeanInstr& q) { return IntPower(reg[q.reg], q.k) * q.c; };
+  auto term = [reg](const LeanInstr& q) { return Term(reg[q.reg], q.k, q.c); };
   double top = p->op == LeanOp::kPushC          ? p->c
                : p->op == LeanOp::kPushReg      ? reg[p->reg]
                : p->op == LeanOp::kPushTerm     ? term(*p)
                : p->op == LeanOp::kPushTermAddC ? term(*p) + p->d
                                                 : 0.0 - term(*p);
   // Threaded like the stack form; every other step ends the terms.
-  static const void* const kJump[] = {&&T_end, &&T_end, &&T_end, &&T_end, &&T_kAddTerm, &&T_kSubTerm, &&T_kMulTerm, &&T_end, &&T_kAddC, &&T_kSubC, &&T_kMulC, &&T_kDivC, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kPowInt, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kRevSubC, &&T_end, &&T_end};
+  static const void* const kJump[] = {&&T_end, &&T_end, &&T_end, &&T_end, &&T_kAddTerm, &&T_kSubTerm, &&T_kMulTerm, &&T_end, &&T_kAddC, &&T_kSubC, &&T_kMulC, &&T_kDivC, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kPowInt, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kRevSubC, &&T_end, &&T_end, &&T_end};
   static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
 #define NEXT goto* kJump[static_cast<int>((++p)->op)]
   NEXT;

@@ -14,13 +14,14 @@ long allocations = 0;
 }  // namespace
 
 // Every allocation of this test program passes here; only those inside a counted loop count.
-void* operator new(std::size_t size) {
+// Out of line, so that the compiler pairs no inlined free with a new expression.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   if (counting) ++allocations;
   if (void* p = std::malloc(size ? size : 1)) return p;
   throw std::bad_alloc();
 }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p) noexcept { std::free(p); }
+[[gnu::noinline]] void operator delete(void* p, std::size_t) noexcept { std::free(p); }
 
 namespace merida {
 namespace {

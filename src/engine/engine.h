@@ -166,6 +166,8 @@ class Engine {
   // Off: every program runs on the full stack machine, never the lean form of tool code.
   // The two must agree to the bit; tests compare them.
   void setLeanCode(bool on);
+  // True when the program at depth 0 has a lean form (tests check that cases reach it).
+  bool hasLeanCode() const;
 
   // One point of a tool run that puts numbers into cells of `saved` at every point: cell i
   // (1..saved.n) loads values[cellRegister[i]] when that is >= 0. `code` is the caller's,
@@ -231,6 +233,7 @@ class Engine {
   CompiledCode& CodeAtDepth();
   double EvaluateAtSlow(const SavedProgram& saved, double x);
   [[gnu::noinline]] double EvaluateLean(double x);
+  [[gnu::noinline]] double EvaluateLeanStack(double x, double rounded);
 
   EngineHost* host_;
   std::string currentMessage_;
@@ -267,6 +270,7 @@ class Engine {
   std::array<std::string, kSlotCount> storeLines_;
   std::vector<std::string> storeBase_;  // the store's lines when last loaded or saved
   int busyDepth_ = 0;
+  int leanNesting_ = 0;  // bodies whose lean code is being built, one inside the other
 
  public:
   // Built-in functions need the generator; exposed for them only.

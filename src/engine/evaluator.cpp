@@ -1,4 +1,4 @@
-// Evaluation: operand rules, the stack machine, user-function calls, constant texts.
+// Evaluation: operand rules, the stack machine, the lean form's runner, user-function calls.
 #include "engine/evaluator.h"
 
 #include <algorithm>
@@ -10,8 +10,6 @@
 namespace merida {
 namespace {
 
-constexpr double kPiValue = 3.14159265358979;
-constexpr double kEValue = 2.71828182845905;
 // Bodies may only call earlier functions, but deletions and the loader can make calls circular.
 constexpr int kMaxCallDepth = 64;
 
@@ -91,128 +89,6 @@ void Fuse(std::vector<Instr>& code, bool toolMode) {
   prev = Instr{fused, Builtin::kNone, static_cast<int16_t>(fused == Op::kPowInt ? c : 0), 0, c};
   code.pop_back();
   Fuse(code, toolMode);  // x 2 ^ becomes x^2 in one step
-}
-
-// The lean form of tool-mode code, or nothing when a step needs the full machine (calls,
-// random numbers, literal overflows, powers that can give 1 or a reciprocal).
-std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code) {
-  std::vector<LeanInstr> out;
-  auto lastIsPlainTerm = [&] { return !out.empty() && out.back().op == LeanOp::kPushTerm; };
-  auto reg = [](const Instr& in) { return static_cast<uint8_t>(in.count); };
-  for (const Instr& in : code) {
-    switch (in.op) {
-      case Op::kConst: out.push_back({LeanOp::kPushC, 0, 1, in.value}); break;
-      case Op::kPushR: out.push_back({LeanOp::kPushTerm, reg(in), 1, 1}); break;
-      case Op::kCMulR: out.push_back({LeanOp::kPushTerm, reg(in), 1, in.value}); break;
-      case Op::kRPowInt:
-        if (in.arg < 0) return {};
-        if (in.arg == 0) out.push_back({LeanOp::kPushC, 0, 1, 1});
-        else out.push_back({LeanOp::kPushTerm, reg(in), in.arg, 1});
-        break;
-      case Op::kMulC:
-        // r^k * c: the product the separate steps make.
-        if (lastIsPlainTerm() && out.back().c == 1) out.back().c = in.value;
-        else out.push_back({LeanOp::kMulC, 0, 1, in.value});
-        break;
-      case Op::kAddC: out.push_back({LeanOp::kAddC, 0, 1, in.value}); break;
-      case Op::kSubC: out.push_back({LeanOp::kSubC, 0, 1, in.value}); break;
-      case Op::kDivC: out.push_back({LeanOp::kDivC, 0, 1, in.value}); break;
-      case Op::kAddR: out.push_back({LeanOp::kAddTerm, reg(in), 1, 1}); break;
-      case Op::kSubR: out.push_back({LeanOp::kSubTerm, reg(in), 1, 1}); break;
-      case Op::kMulR: out.push_back({LeanOp::kMulTerm, reg(in), 1, 1}); break;
-      case Op::kDivR: out.push_back({LeanOp::kDivReg, reg(in), 1, 1}); break;
-      case Op::kAdd: case Op::kSub: case Op::kMul: {
-        bool add = in.op == Op::kAdd, sub = in.op == Op::kSub;
-        if (sub && lastIsPlainTerm() && out.size() >= 2 && out[out.size() - 2].op == LeanOp::kPushC &&
-            out[out.size() - 2].c == 0 && !std::signbit(out[out.size() - 2].c)) {
-          // 0 - term, the way a formula negates: one step, still 0 - v (so 0 - 0 is +0).
-          out[out.size() - 2] = out.back();
-          out[out.size() - 2].op = LeanOp::kPushNegTerm;
-          out.pop_back();
-        } else if (lastIsPlainTerm()) {
-          out.back().op = add ? LeanOp::kAddTerm : sub ? LeanOp::kSubTerm : LeanOp::kMulTerm;
-        } else {
-          out.push_back({add ? LeanOp::kAdd : sub ? LeanOp::kSub : LeanOp::kMul});
-        }
-        break;
-      }
-      case Op::kDiv: out.push_back({LeanOp::kDiv}); break;
-      case Op::kPowInt:
-        if (in.arg < 1) return {};  // x^0 is 1 even for an overflowed x
-        out.push_back({LeanOp::kPowInt, 0, in.arg, 1});
-        break;
-      case Op::kPow: out.push_back({LeanOp::kPow}); break;
-      case Op::kUnary: {
-        LeanOp op;
-        switch (in.fn) {
-          case Builtin::kSin: op = LeanOp::kSin; break;
-          case Builtin::kCos: op = LeanOp::kCos; break;
-          case Builtin::kAtan: op = LeanOp::kAtan; break;
-          case Builtin::kAbs: op = LeanOp::kAbs; break;
-          case Builtin::kTan: op = LeanOp::kTan; break;
-          case Builtin::kExp: op = LeanOp::kExp; break;
-          case Builtin::kSqr: op = LeanOp::kSqr; break;
-          case Builtin::kLn: op = LeanOp::kLn; break;
-          default: op = LeanOp::kUnary; break;
-        }
-        out.push_back({op, 0, 1, 1, in.fn});
-        break;
-      }
-      case Op::kBinary: out.push_back({LeanOp::kBinary, 0, 1, 1, in.fn}); break;
-      default:
-        return {};
-    }
-  }
-  // A bare register needs no arithmetic: it feeds a function without an extra product.
-  for (LeanInstr& in : out) {
-    if (in.op == LeanOp::kPushTerm && in.k == 1 && in.c == 1) in.op = LeanOp::kPushReg;
-  }
-  out.push_back({LeanOp::kEnd});
-  return out;
-}
-
-// True when lean code is one running value: a first term or constant, then steps that
-// combine it with terms and constants. Such code runs in registers with no stack.
-bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
-  LeanOp first = lean[0].op;
-  if (first != LeanOp::kPushC && first != LeanOp::kPushReg && first != LeanOp::kPushTerm &&
-      first != LeanOp::kPushNegTerm) {
-    return false;
-  }
-  for (size_t i = 1; i < lean.size(); ++i) {
-    switch (lean[i].op) {
-      case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kAddC:
-      case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt: case LeanOp::kEnd:
-        break;
-      default:
-        return false;
-    }
-  }
-  return true;
-}
-
-// a^k for k >= 1 by repeated products, as the power step makes it (for a != 0).
-[[gnu::always_inline]] inline double IntPower(double a, int k) {
-  double r = a;
-  for (int i = 1; i < k; ++i) r *= a;
-  return r;
-}
-
-// top^k for a whole k, as the integral power instructions compute it; false when a negative k
-// meets a power that underflowed to 0.
-[[gnu::always_inline]] inline bool WholePower(double& top, int k) {
-  if (k == 0) {
-    top = 1;
-    return true;
-  }
-  if (top == 0) return true;  // 0^k is 0, also for negative k
-  double r = IntPower(top, k < 0 ? -k : k);
-  if (k < 0) {
-    if (r == 0) return false;
-    r = 1 / r;
-  }
-  top = r;
-  return true;
 }
 
 uint64_t SplitMix(uint64_t& s) {
@@ -321,92 +197,250 @@ struct Evaluator {
     size_t stateSize = toolMode ? 0 : c.vars.size();
     c.varValue.assign(stateSize, 0.0);
     c.varBound.assign(stateSize, 0);
-    c.lean = toolMode && !params && e.leanCode_ ? MakeLean(code) : std::vector<LeanInstr>{};
+    bool rounded = false;
+    c.lean = toolMode && e.leanCode_
+                 ? MakeLean(code, [this](int slot) { return LeanCallee(slot); }, rounded)
+                 : std::vector<LeanInstr>{};
+    c.usesRounded = c.usesRounded || rounded;
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
+    c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(), [](const LeanInstr& in) {
+      return in.op == LeanOp::kCall || in.op == LeanOp::kSetParam || in.op == LeanOp::kParamTerm ||
+             in.op == LeanOp::kParamTermEnd;
+    });
+  }
+
+  // The cached tool-mode code of a called slot when it has a lean form, built if need be.
+  const CompiledCode* LeanCallee(int slot) {
+    if (e.leanNesting_ >= kMaxLeanNesting) return nullptr;
+    ++e.leanNesting_;
+    CompiledCode* body = e.CallCode(slot, true);
+    --e.leanNesting_;
+    // A copy stands in for a body that is running; it is overwritten by the next such call.
+    if (!body || body != e.callCache_[slot][1].get() || body->lean.empty()) return nullptr;
+    return body;
   }
 
   // Lean code over the registers: x, x read back, the bound values. x = 0 never comes here
   // and bound values are never -0 (their texts read "0"), so a term's power needs no care
   // for the sign of zero.
-  double RunLean(CompiledCode& c, const double* reg) {
-    double* const base = c.stack.data();
+  // Inside a called body (`inBody`), anything but a finite value leaves the point to the full
+  // machine (`bailed`): lean code has shown nothing yet, so running the point again from the
+  // start reports what the full machine reports, in its order.
+  // `reg` holds kLeanRegisterCount values: copied bodies keep their parameters above the
+  // caller's registers.
+  double RunLean(const CompiledCode& c, double* reg, bool inBody = false) {
+    double stack[kMaxTokens + 2];
+    double* const base = stack;
     double* sp = base;
     double top = 0;
-    auto term = [reg](const LeanInstr& p) { return IntPower(reg[p.reg], p.k) * p.c; };
+    auto term = [reg](const LeanInstr& p) { return Term(reg[p.reg], p.k, p.c); };
     // Values, not references: top and sp must stay in registers.
-#define LEAN_FAIL(code, fault) LeanFailed(code, fault, top, base, sp)
-    for (const LeanInstr* p = c.lean.data();; ++p) {
-      switch (p->op) {
-        case LeanOp::kPushC: *++sp = top; top = p->c; continue;
-        case LeanOp::kPushReg: *++sp = top; top = reg[p->reg]; continue;
-        case LeanOp::kPushTerm: *++sp = top; top = term(*p); continue;
-        case LeanOp::kPushNegTerm: *++sp = top; top = 0.0 - term(*p); continue;
-        case LeanOp::kAddTerm: top = top + term(*p); continue;
-        case LeanOp::kSubTerm: top = top - term(*p); continue;
-        case LeanOp::kMulTerm: top = top * term(*p); continue;
-        case LeanOp::kDivReg:
+#define LEAN_FAIL(code, fault) (inBody ? Bail() : LeanFailed(code, fault, top, base, sp))
+    // Threaded: every step jumps to the next step's code itself.
+    static const void* const kJump[] = {
+        &&L_kPushC,
+        &&L_kPushReg,
+        &&L_kPushTerm,
+        &&L_kPushNegTerm,
+        &&L_kAddTerm,
+        &&L_kSubTerm,
+        &&L_kMulTerm,
+        &&L_kDivReg,
+        &&L_kAddC,
+        &&L_kSubC,
+        &&L_kMulC,
+        &&L_kDivC,
+        &&L_kAdd,
+        &&L_kSub,
+        &&L_kMul,
+        &&L_kDiv,
+        &&L_kPowInt,
+        &&L_kSin,
+        &&L_kCos,
+        &&L_kAtan,
+        &&L_kAbs,
+        &&L_kTan,
+        &&L_kExp,
+        &&L_kSqr,
+        &&L_kLn,
+        &&L_kSinh,
+        &&L_kCosh,
+        &&L_kTanh,
+        &&L_kLog,
+        &&L_kUnary,
+        &&L_kBinary,
+        &&L_kPow,
+        &&L_kCall,
+        &&L_kSetParam,
+        &&L_kBodyEnd,
+        &&L_kParamTerm,
+        &&L_kPushTermAddC,
+        &&L_kRevSubC,
+        &&L_kRevDivC,
+        &&L_kParamTermEnd,
+        &&L_kEnd};
+    static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
+    const LeanInstr* p = c.lean.data();
+#define NEXT goto* kJump[static_cast<int>((++p)->op)]
+    goto* kJump[static_cast<int>(p->op)];
+    {
+        L_kPushC: *++sp = top; top = p->c; NEXT;
+        L_kPushReg: *++sp = top; top = reg[p->reg]; NEXT;
+        L_kPushTerm: *++sp = top; top = term(*p); NEXT;
+        L_kPushNegTerm: *++sp = top; top = 0.0 - term(*p); NEXT;
+        L_kPushTermAddC: *++sp = top; top = term(*p) + p->d; NEXT;
+        L_kRevSubC: top = p->c - top; NEXT;
+        L_kRevDivC:
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // c/inf would hide it
+          if (top == 0) return LEAN_FAIL(11, nullptr);
+          top = p->c / top;
+          NEXT;
+        L_kAddTerm: top = top + term(*p); NEXT;
+        L_kSubTerm: top = top - term(*p); NEXT;
+        L_kMulTerm: top = top * term(*p); NEXT;
+        L_kDivReg:
           if (reg[p->reg] == 0) return LEAN_FAIL(11, nullptr);
           top = top / reg[p->reg];
-          continue;
-        case LeanOp::kAddC: top = top + p->c; continue;
-        case LeanOp::kSubC: top = top - p->c; continue;
-        case LeanOp::kMulC: top = top * p->c; continue;
-        case LeanOp::kDivC: top = top / p->c; continue;
-        case LeanOp::kAdd: top = *sp-- + top; continue;
-        case LeanOp::kSub: top = *sp-- - top; continue;
-        case LeanOp::kMul: top = *sp-- * top; continue;
-        case LeanOp::kDiv:
+          NEXT;
+        L_kAddC: top = top + p->c; NEXT;
+        L_kSubC: top = top - p->c; NEXT;
+        L_kMulC: top = top * p->c; NEXT;
+        L_kDivC: top = top / p->c; NEXT;
+        L_kAdd: top = *sp-- + top; NEXT;
+        L_kSub: top = *sp-- - top; NEXT;
+        L_kMul: top = *sp-- * top; NEXT;
+        L_kDiv:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");  // n/inf would hide it
           if (top == 0) return LEAN_FAIL(11, nullptr);
           top = *sp-- / top;
-          continue;
-        case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
+          NEXT;
+        L_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
         // A function could turn an overflow into a number (atan, exp of -inf): look first.
 #define MERIDA_UNARY(name, expr)                                      \
-  case LeanOp::name:                                                  \
+  L_##name:                                                           \
     if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");         \
     top = expr;                                                       \
-    continue;
+    NEXT;
         MERIDA_UNARY(kSin, std::sin(top))
         MERIDA_UNARY(kCos, std::cos(top))
         MERIDA_UNARY(kAtan, std::atan(top))
         MERIDA_UNARY(kAbs, std::fabs(top))
         MERIDA_UNARY(kTan, std::tan(top))
         MERIDA_UNARY(kExp, std::exp(top))
+        MERIDA_UNARY(kSinh, (std::exp(top) - std::exp(-top)) / 2)
+        MERIDA_UNARY(kCosh, (std::exp(top) + std::exp(-top)) / 2)
+        L_kTanh: {
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          const double p2 = std::exp(top), q2 = std::exp(-top);
+          top = (p2 - q2) / (p2 + q2);
+          NEXT;
+        }
+        L_kLog:
+          if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
+          if (top <= 0) return LEAN_FAIL(13, nullptr);
+          top = std::log(top) / std::log(10.0);
+          NEXT;
 #undef MERIDA_UNARY
-        case LeanOp::kSqr:
+        L_kSqr:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top < 0) return LEAN_FAIL(12, nullptr);
           top = std::sqrt(top);
-          continue;
-        case LeanOp::kLn:
+          NEXT;
+        L_kLn:
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           if (top <= 0) return LEAN_FAIL(13, nullptr);
           top = std::log(top);
-          continue;
-        case LeanOp::kUnary: {
+          NEXT;
+        L_kUnary: {
           if (!std::isfinite(top)) return LEAN_FAIL(kFault, "Overflow");
           Applied r = ApplyBuiltin(p->fn, 0, top);
           if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
-          continue;
+          NEXT;
         }
-        case LeanOp::kBinary: case LeanOp::kPow: {
+        L_kBinary: L_kPow: {
           if (!std::isfinite(top) || !std::isfinite(*sp)) return LEAN_FAIL(kFault, "Overflow");
           Applied r = p->op == LeanOp::kPow ? Power(*sp, top) : ApplyBuiltin(p->fn, *sp, top);
           --sp;
           if (r.status) return LEAN_FAIL(r.status, r.fault);
           top = r.value;
-          continue;
+          NEXT;
         }
-        case LeanOp::kEnd: break;
-      }
-      break;
+        L_kCall: {
+          // The arguments are the top `reg` values, deepest first.
+          const int count = p->reg;
+          double args[kLeanRegisterCount];
+          args[0] = reg[0];
+          args[1] = p->callee->usesRounded ? Round15(reg[0]) : 0;
+          for (int j = 0; j < count; ++j) {
+            const double a = Round15(j == count - 1 ? top : sp[j - count + 2]);
+            if (!std::isfinite(a)) [[unlikely]] return Bail();
+            args[kParamRegister + j] = a;
+          }
+          sp -= count - 1;
+          top = CallLean(*p->callee, args);
+          if (bailed) return 0;
+          NEXT;
+        }
+        L_kSetParam:
+          reg[p->reg] = Round15(top);
+          if (!std::isfinite(reg[p->reg])) [[unlikely]] return Bail();
+          top = *sp--;
+          NEXT;
+        L_kBodyEnd:
+          if (!std::isfinite(top)) [[unlikely]] return Bail();
+          NEXT;
+        L_kParamTerm: {
+          const double v = Round15(top);
+          if (!std::isfinite(v)) [[unlikely]] return Bail();
+          reg[p->reg] = v;
+          top = Term(v, p->k, p->c);
+          NEXT;
+        }
+        L_kParamTermEnd: {
+          const double v = Round15(top);
+          if (!std::isfinite(v)) [[unlikely]] return Bail();
+          reg[p->reg] = v;
+          top = Term(v, p->k, p->c);
+          if (!std::isfinite(top)) [[unlikely]] return Bail();
+          NEXT;
+        }
     }
+  L_kEnd:
+#undef NEXT
     if (!std::isfinite(top)) [[unlikely]] return LEAN_FAIL(kFault, "Overflow");
     return top;
 #undef LEAN_FAIL
   }
+
+  bool bailed = false;
+  double Bail() {
+    bailed = true;
+    return 0;
+  }
+
+  double CallLean(const CompiledCode& body, double* args) {
+    if (body.termsOnly) {
+      bool overflow;
+      const double r = RunTerms(body.lean.data(), args, overflow);
+      return overflow ? Bail() : r;
+    }
+    return RunLean(body, args, true);
+  }
+
+  // Lean code from the first step, or the full machine when the lean form left the point.
+  double RunLeanOrFull(CompiledCode& c, double* reg, const double* bound = nullptr) {
+    if (LeanCanStart(reg)) [[likely]] {
+      double r = RunLean(c, reg);
+      if (!bailed) [[likely]] return r;
+      bailed = false;
+    }
+    return Run(c, nullptr, bound);
+  }
+
+  // The full machine reads an infinite x (or x read back beyond the range) without a fault
+  // until arithmetic meets it; lean code checks values where it cannot tell them apart.
+  static bool LeanCanStart(const double* reg) { return std::isfinite(reg[0]) && std::isfinite(reg[1]); }
 
   // A failing lean step reports the overflow before it, if one is on the stack, as the fault
   // it was. Out of line so that the lean loop keeps its values in registers.
@@ -627,58 +661,49 @@ double Engine::EvaluateProgram(int16_t n) {
   ++evalDepth_;
   ++busyDepth_;
   double r;
-  if (c.lean.empty() || XValue == 0) {
+  if (c.lean.empty() || XValue == 0 || (c.leanCalls && evalDepth_ + kMaxLeanNesting >= kMaxCallDepth)) {
     r = ev.Run(c, nullptr);
   } else {
-    const double reg[2] = {XValue, c.usesRounded ? Round15(XValue) : 0};
-    r = ev.RunLean(c, reg);
+    double reg[kLeanRegisterCount];
+    reg[0] = XValue;
+    reg[1] = c.usesRounded ? Round15(XValue) : 0;
+    r = ev.RunLeanOrFull(c, reg);
   }
   --busyDepth_;
   --evalDepth_;
   return r;
 }
 
-namespace {
-
-// Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
-// it can fail before the end, where non-finite means an overflow somewhere on the way.
-double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
-  auto term = [reg](const LeanInstr& q) { return IntPower(reg[q.reg], q.k) * q.c; };
-  double top = p->op == LeanOp::kPushC      ? p->c
-               : p->op == LeanOp::kPushReg  ? reg[p->reg]
-               : p->op == LeanOp::kPushTerm ? term(*p)
-                                            : 0.0 - term(*p);
-  for (++p;; ++p) {
-    switch (p->op) {
-      case LeanOp::kAddTerm: top = top + term(*p); continue;
-      case LeanOp::kSubTerm: top = top - term(*p); continue;
-      case LeanOp::kMulTerm: top = top * term(*p); continue;
-      case LeanOp::kAddC: top = top + p->c; continue;
-      case LeanOp::kSubC: top = top - p->c; continue;
-      case LeanOp::kMulC: top = top * p->c; continue;
-      case LeanOp::kDivC: top = top / p->c; continue;
-      case LeanOp::kPowInt: top = top == 0 ? top : IntPower(top, p->k); continue;
-      default: break;
-    }
-    break;
-  }
-  overflow = !std::isfinite(top);
-  return top;
-}
-
-}  // namespace
-
 double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
-  CompiledCode& c = *code_[0];
+  const CompiledCode& c = *code_[0];
   const double reg[2] = {x, c.usesRounded ? Round15(x) : 0};
   if (c.termsOnly) {
     bool overflow;
     double y = RunTerms(c.lean.data(), reg, overflow);
     if (!overflow) [[likely]] return y;
   }
-  return Evaluator{*this}.RunLean(c, reg);
+  return EvaluateLeanStack(reg[0], reg[1]);
+}
+
+// Out of line, so that terms-only code pays for neither the stack nor the register file.
+double Engine::EvaluateLeanStack(double x, double rounded) {
+  double reg[kLeanRegisterCount];
+  reg[0] = x;
+  reg[1] = rounded;
+  CompiledCode& c = *code_[0];
+  Evaluator ev{*this};
+  if (ev.LeanCanStart(reg)) [[likely]] {
+    const double r = ev.RunLean(c, reg);
+    if (!ev.bailed) [[likely]] return r;
+  }
+  ++evalDepth_;
+  ++busyDepth_;
+  const double full = ev.Run(c, nullptr);
+  --busyDepth_;
+  --evalDepth_;
+  return full;
 }
 
 double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const int16_t* cellRegister,
@@ -697,17 +722,17 @@ double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const i
   }
   ++evalDepth_;
   ++busyDepth_;
-  double reg[kRegisterCount];
+  double reg[kLeanRegisterCount];
   reg[0] = x;
   reg[1] = c.usesRounded ? Round15(x) : 0;
   for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = values[k];
   double r = 0;
   bool overflow = true;
-  if (c.lean.empty() || x == 0) {
+  if (c.lean.empty() || x == 0 || (c.leanCalls && evalDepth_ + kMaxLeanNesting >= kMaxCallDepth)) {
     r = Evaluator{*this}.Run(c, nullptr, values);
   } else {
     if (c.termsOnly) r = RunTerms(c.lean.data(), reg, overflow);
-    if (overflow) r = Evaluator{*this}.RunLean(c, reg);
+    if (overflow) r = Evaluator{*this}.RunLeanOrFull(c, reg, values);
   }
   --busyDepth_;
   --evalDepth_;
@@ -779,6 +804,8 @@ void Engine::setLeanCode(bool on) {
   for (auto& c : code_) c->identity = ~uint64_t{0};
   leanIdentity_ = ~uint64_t{0};
 }
+
+bool Engine::hasLeanCode() const { return leanCode_ && !code_.empty() && !code_[0]->lean.empty(); }
 
 void Engine::InvalidateCallCache() {
   ++functionsVersion_;
@@ -920,113 +947,6 @@ double Engine::CallStepByStep(int slot, const double* args, int count) {
     return 0;
   }
   return r;
-}
-
-// ---- Constant texts: numbers, PI, E, + - * / ^ and parentheses ----
-
-double Engine::EvaluateConstantText(std::string_view text) {
-  struct Tok {
-    char op;  // 0 for a number
-    double value;
-  };
-  std::vector<Tok> tokens;
-  std::string s;
-  for (char ch : text) {
-    if (ch != ' ' && ch != '\t') s += ch;  // blanks separate nothing, as in a number text
-  }
-  if (!s.empty() && s[0] == '-') s.insert(0, 1, '0');
-  else if (!s.empty() && s[0] == '+') s.erase(0, 1);
-
-  auto isOp = [](char ch) { return ch == '+' || ch == '-' || ch == '*' || ch == '/' || ch == '^' || ch == '(' || ch == ')'; };
-  size_t i = 0;
-  while (i < s.size()) {
-    char ch = s[i];
-    if (isOp(ch)) {
-      // "(-x" means "(0-x"
-      if ((ch == '-' || ch == '+') && !tokens.empty() && tokens.back().op == '(') tokens.push_back({0, 0});
-      tokens.push_back({ch, 0});
-      ++i;
-      continue;
-    }
-    size_t j = i;
-    while (j < s.size() && !isOp(s[j])) {
-      // keep a signed exponent inside its number: 1E-5
-      if ((s[j] == 'E' || s[j] == 'e') && j + 1 < s.size() && (s[j + 1] == '-' || s[j + 1] == '+') && j > i &&
-          IsNumeric(std::string_view(s).substr(i, j - i))) {
-        j += 2;
-        continue;
-      }
-      ++j;
-    }
-    std::string_view word = std::string_view(s).substr(i, j - i);
-    double v = word == "PI" ? kPiValue : word == "E" ? kEValue : ReadLenient(word);
-    tokens.push_back({0, v});
-    i = j;
-  }
-  if (tokens.size() > static_cast<size_t>(kMaxTokens)) {
-    Fail(10);
-    return 0;
-  }
-  auto precedence = [](char op) { return op == '^' ? 1 : (op == '*' || op == '/') ? 2 : 3; };
-  std::vector<Tok> out, ops;
-  for (const Tok& t : tokens) {
-    if (t.op == 0) {
-      out.push_back(t);
-    } else if (t.op == '(') {
-      ops.push_back(t);
-    } else if (t.op == ')') {
-      while (!ops.empty() && ops.back().op != '(') out.push_back(ops.back()), ops.pop_back();
-      if (ops.empty()) {
-        Fail(23);
-        return 0;
-      }
-      ops.pop_back();
-    } else {
-      while (!ops.empty() && ops.back().op != '(' && precedence(ops.back().op) <= precedence(t.op)) {
-        out.push_back(ops.back()), ops.pop_back();
-      }
-      ops.push_back(t);
-    }
-  }
-  while (!ops.empty()) {
-    if (ops.back().op == '(') {
-      Fail(23);
-      return 0;
-    }
-    out.push_back(ops.back()), ops.pop_back();
-  }
-  if (out.empty()) return 0;  // an empty box reads as 0
-  std::vector<double> stack;
-  for (const Tok& t : out) {
-    if (t.op == 0) {
-      stack.push_back(t.value);
-      continue;
-    }
-    if (stack.size() < 2) {
-      Fail(22);
-      return 0;
-    }
-    double b = stack.back();
-    stack.pop_back();
-    double a = stack.back();
-    Builtin fn = t.op == '+' ? Builtin::kAdd : t.op == '-' ? Builtin::kSub : t.op == '*' ? Builtin::kMul
-                 : t.op == '/' ? Builtin::kDiv : Builtin::kPow;
-    Applied r = ApplyBuiltin(fn, a, b);
-    if (r.status == kFault) {
-      ReportFault(r.fault);
-      return 0;
-    }
-    if (r.status) {
-      Fail(r.status);
-      return 0;
-    }
-    stack.back() = r.value;
-  }
-  if (stack.size() != 1) {
-    Fail(22);
-    return 0;
-  }
-  return stack.back();
 }
 
 }  // namespace merida

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -50,8 +51,21 @@ enum class LeanOp : uint8_t {
   kPushC, kPushReg, kPushTerm, kPushNegTerm, kAddTerm, kSubTerm, kMulTerm, kDivReg,
   kAddC, kSubC, kMulC, kDivC, kAdd, kSub, kMul, kDiv, kPowInt,
   kSin, kCos, kAtan, kAbs, kTan, kExp, kSqr, kLn,  // the common functions, dispatched once
-  kUnary, kBinary, kPow, kEnd,
+  kSinh, kCosh, kTanh, kLog,  // computed as the built-ins compute them
+  kUnary, kBinary, kPow,
+  kCall,  // a user function's lean code: `reg` arguments, each read back in 15 digits
+  // A one-parameter body of terms, copied in: the argument read back into register `reg`
+  // (popped), the body's steps, then a check that leaves the point to the full machine if
+  // the body overflowed.
+  kSetParam, kBodyEnd,
+  kParamTerm,  // kSetParam then the body's first step, a term of that register: c * register^k
+  kPushTermAddC,  // push c * register^k + d
+  kRevSubC, kRevDivC,  // c - top, c / top: a constant pushed before a run of steps on one value
+  kParamTermEnd,  // kParamTerm of a body that is that one term, then kBodyEnd
+  kEnd,
 };
+
+struct CompiledCode;
 
 struct LeanInstr {
   LeanOp op;
@@ -59,6 +73,8 @@ struct LeanInstr {
   int16_t k = 1;
   double c = 1;
   Builtin fn = Builtin::kNone;
+  const CompiledCode* callee = nullptr;
+  double d = 0;
 };
 
 struct VariableSlot {
@@ -69,6 +85,13 @@ struct VariableSlot {
 constexpr int kFirstBoundRegister = 2;
 constexpr int kMaxBoundCells = 32;  // values a tool binds per point (more take the text path)
 constexpr int kRegisterCount = kFirstBoundRegister + kMaxBoundCells;
+// A called body's registers: x, x read back, then its parameters (never bound cells).
+constexpr int kParamRegister = kFirstBoundRegister;
+constexpr int kCalleeRegisterCount = kParamRegister + kMaxParameters;
+// Lean code calls bodies at most this deep; deeper calls (and circular ones) run full.
+constexpr int kMaxLeanNesting = 8;
+// Registers of lean code: those above kRegisterCount hold the parameters of copied bodies.
+constexpr int kLeanRegisterCount = kRegisterCount + 64;
 
 struct CompiledCode {
   uint64_t identity = ~uint64_t{0};
@@ -79,6 +102,7 @@ struct CompiledCode {
   std::vector<Instr> code;
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
   bool termsOnly = false;       // lean code that needs no stack and calls nothing
+  bool leanCalls = false;       // lean code that calls bodies
   bool leanAllowed = true;      // the engine's lean switch when this was built
   int16_t boundCount = 0;       // bound registers the code reads
   int running = 0;              // calls of this code under way
@@ -88,5 +112,50 @@ struct CompiledCode {
   std::vector<double> varValue;
   std::vector<uint8_t> varBound;
 };
+
+constexpr double kPiValue = 3.14159265358979;  // the constants PI and E
+constexpr double kEValue = 2.71828182845905;
+
+// a^k for k >= 1 by repeated products, as the power step makes it (for a != 0).
+[[gnu::always_inline]] inline double IntPower(double a, int k) {
+  double r = a;
+  for (int i = 1; i < k; ++i) r *= a;
+  return r;
+}
+
+// top^k for a whole k, as the integral power instructions compute it; false when a negative k
+// meets a power that underflowed to 0.
+[[gnu::always_inline]] inline bool WholePower(double& top, int k) {
+  if (k == 0) {
+    top = 1;
+    return true;
+  }
+  if (top == 0) return true;  // 0^k is 0, also for negative k
+  double r = IntPower(top, k < 0 ? -k : k);
+  if (k < 0) {
+    if (r == 0) return false;
+    r = 1 / r;
+  }
+  top = r;
+  return true;
+}
+
+
+// c * r^k as the separate steps make it. A product by 1 changes no value: it is left out.
+[[gnu::always_inline]] inline double Term(double r, int k, double c) {
+  const double t = IntPower(r, k);
+  return c == 1 ? t : t * c;
+}
+
+// A called slot's code with a lean form, or null.
+using LeanCallee = std::function<const CompiledCode*(int slot)>;
+
+// The lean form of tool-mode code, or nothing when a step needs the full machine. Sets
+// `usesRounded` when a copied body reads x back.
+std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee& callee, bool& usesRounded);
+// True when lean code is one running value that needs no stack (see RunTerms).
+bool IsTermsOnly(const std::vector<LeanInstr>& lean);
+// Runs terms-only lean code; `overflow` when the value is not finite.
+double RunTerms(const LeanInstr* p, const double* reg, bool& overflow);
 
 }  // namespace merida

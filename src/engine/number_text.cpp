@@ -96,20 +96,6 @@ constexpr double kPow10Signed[] = {1e-8, 1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2, 1e-
                                1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24, 1e25, 1e26, 1e27,
                                1e28, 1e29, 1e30, 1e31, 1e32, 1e33, 1e34, 1e35};
 
-unsigned __int128 Pow10U128(int k) {
-  unsigned __int128 p = 1;
-  while (k-- > 0) p *= 10;
-  return p;
-}
-
-struct Pow10Table {
-  unsigned __int128 v[23];
-  Pow10Table() {
-    for (int i = 0; i < 23; ++i) v[i] = Pow10U128(i);
-  }
-};
-const Pow10Table kPow10U;
-
 // Veltkamp halves of 10^q (26 significant bits or fewer each), made at compile time.
 struct SplitPow10 {
   double hi[23], lo[23];
@@ -132,14 +118,14 @@ double ProductError(double a, double t, int q) {
   return ((ah * ph - t) + ah * pl + al * ph) + al * pl;
 }
 
+}  // namespace
+
 // Read back as the number texts read: a text beyond the largest double is infinite.
-double Round15Slow(double v) {
+double detail::Round15Slow(double v) {
   char buf[64];
   auto r = std::to_chars(buf, buf + sizeof buf, v, std::chars_format::general, 15);
   return ParseToken(std::string_view(buf, static_cast<size_t>(r.ptr - buf)));
 }
-
-}  // namespace
 
 std::string PlainText(double v) {
   if (v == 0) return "0";
@@ -223,33 +209,6 @@ double Round15Tie(double a, double t, double whole, double frac, int places) {
   if (frac > 0 && err > 0) return whole + 1;
   if (frac < 0 && err < 0) return whole - 1;
   return whole;  // a true half: the even neighbour, which whole already is
-}
-
-// Zero, subnormals, infinities, NaN and magnitudes outside [1e-7, 1e15).
-double Round15Rare(double v) {
-  uint64_t bits = std::bit_cast<uint64_t>(v);
-  int biased = static_cast<int>((bits >> 52) & 0x7FF);
-  if (v == 0) return 0.0;  // "0", also for -0
-  if (biased == 0x7FF) return v;
-  // A subnormal has fewer than 15 digits' worth of bits, but its text still drops some.
-  if (biased == 0) return Round15Slow(v);
-  int exp2 = biased - 1023;  // v = 1.f * 2^exp2
-  double a = std::fabs(v);
-  if (a < 1e-7 || a >= 1e35) return Round15Slow(v);
-  uint64_t m = (bits & ((uint64_t{1} << 52) - 1)) | (uint64_t{1} << 52);
-  int k = exp2 - 52;  // a = m * 2^k exactly
-  int e = (exp2 * 78913) >> 18;
-  if (e + 1 < 35 && a >= kPow10Signed[e + 1 + kPow10Bias]) ++e;
-  int down = e - 14;  // a / 10^down is a 15-digit integer
-  if (down < 0) return Round15Slow(v);
-  unsigned __int128 num = m, den = kPow10U.v[down];
-  if (k >= 0) num <<= k;
-  else den <<= -k;
-  unsigned __int128 n = num / den;
-  unsigned __int128 rem = num - n * den;
-  if (2 * rem > den || (2 * rem == den && (n & 1))) ++n;
-  double r = static_cast<double>(static_cast<uint64_t>(n)) * kPow10[down];
-  return v < 0 ? -r : r;
 }
 
 }  // namespace detail

@@ -47,6 +47,11 @@ struct Round15ScaleTable {
 extern const Round15ScaleTable kRound15Table;
 double Round15Tie(double a, double t, double whole, double frac, int places);
 double Round15Rare(double v);
+// The read-back through the text itself: the reference, and the way for the rarest values.
+double Round15Slow(double v);
+// The read-back of a normal value at any magnitude in integer arithmetic; false (out unset)
+// when it cannot decide without the text: subnormals, the top binade, near-halves.
+bool Round15Wide(double v, double& out);
 }  // namespace detail
 
 // The value a number takes after being written in plain form and read back (15 digits).

@@ -1,6 +1,9 @@
 // Operand rules: asking, linking, tool-window binding, stop, policy; EvaluateConstantText.
 #include <bit>
 #include <cmath>
+#include <random>
+#include <string>
+#include <vector>
 
 #include "engine/engine.h"
 #include "engine/number_text.h"
@@ -203,6 +206,58 @@ TEST(Evaluation, HostileTextsEndInAnErrorOrAnAnswer) {
 // Tool code runs in a lean form that checks for overflow only where a step could hide it.
 // It must give the full machine's value to the bit, and the same error or fault, in the
 // same order: an overflow earlier in the formula wins over a later error.
+struct LeanOutcome {
+  double value;
+  int16_t error;
+  bool fault;
+  std::vector<int> shown;
+  bool lean;  // the code had a lean form
+};
+
+// User functions the formulas call: plain terms, several parameters, calls inside bodies,
+// domain errors and divisions inside a body, a body that reads x as a free variable.
+const char* const kLeanFunctions[] = {
+    "f(x)=x^2", "g(a,b)=a/b-b", "h(t)=f(t)+1/t", "q(u)=sqr(u)*exp(0-u)", "w(v)=ln(v)+v*v", "s(t)=t",
+    "p(t)=3*t^2-t+1", "m(t)=t*t*t", "c(t)=p(m(t))*2",
+};
+
+LeanOutcome RunTool(bool lean, const std::string& formula, double x) {
+  RecordingHost host;
+  Engine e(host);
+  for (const char* f : kLeanFunctions) EXPECT_TRUE(e.RegisterFormula(f)) << f;
+  e.setLeanCode(lean);
+  int16_t n = CompileForTool(e, formula);
+  EXPECT_GT(n, 0) << formula;
+  SavedProgram saved = e.SaveProgram(n);
+  e.EvaluateAt(saved, 0.75);  // a first point builds the code; the second runs it as a tool's loop does
+  e.FaultFlag = false;
+  e.ErrorFlag = 0;
+  host.errors.clear();
+  double y = e.EvaluateAt(saved, x);
+  return LeanOutcome{y, e.ErrorFlag, e.FaultFlag, host.errors, e.hasLeanCode()};
+}
+
+// Points at the corners: signs, 15-digit read-backs that differ from x, tiny and huge values
+// whose powers overflow or underflow, the top of the range (its text reads back as infinite).
+const double kLeanPoints[] = {1, -1, 0.3, 0.1 + 0.2, 2.5, 1e-8, 1e20, -1e200, 1e300, 0, 7.000000000000001,
+                              -0.1, 1e-170, 1.7976931348623157e308, 123456.78901234567};
+
+// Returns whether the formula had a lean form at all.
+bool ExpectLeanAgrees(const std::string& f) {
+  bool reached = false;
+  for (double x : kLeanPoints) {
+    LeanOutcome lean = RunTool(true, f, x), full = RunTool(false, f, x);
+    reached = reached || lean.lean;
+    EXPECT_FALSE(full.lean) << f;
+    EXPECT_EQ(std::bit_cast<uint64_t>(lean.value), std::bit_cast<uint64_t>(full.value))
+        << f << " at " << x << ": " << lean.value << " vs " << full.value;
+    EXPECT_EQ(lean.error, full.error) << f << " at " << x;
+    EXPECT_EQ(lean.fault, full.fault) << f << " at " << x;
+    EXPECT_EQ(lean.shown, full.shown) << f << " at " << x;
+  }
+  return reached;
+}
+
 TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
   const char* formulas[] = {
       "x^2+3*x+1", "2*x^4-3*x^3+x^2-5*x+7", "sin(x)*cos(x)+exp(0-x^2)", "(x+1)*(x-1)/(x+2)",
@@ -211,42 +266,60 @@ TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
       "x*1e300*1e300-ln(0)", "atan(x*1e300*1e300)", "exp(0-x*1e300*1e300)", "1/(x*1e300*1e300)",
       "tanh(x*1e300)", "sqr(0-x)+x*1e300*1e300", "x*1e300*1e300/(x-x)", "(x*1e300*1e300)+sqr(0-1)",
       "x*x*x*x", "1/(x-1)", "x/(x-x)", "(x-1)^2*(x+1)^2", "x^3/x^2", "x+x*x+x*x*x",
+      // The per-point formulas tool windows are measured by.
+      "sin(x)^2+cos(x)^2", "(x+1)*(x-1)/(x^2+1)", "exp(0-x*x/2)*sqr(2*x+1)",
+      "sin(x)+cos(2*x)+tan(x/40)+exp(0-x/10)+ln(x+1)+sqr(x)+abs(x-5)+sinh(x/9)-cosh(x/9)+atan(x)*tanh(x)+log(x+2)",
+      // Calls: chains, several arguments, errors and overflows inside bodies, around calls.
+      "f(x)", "f(f(x))", "f(f(f(f(f(f(f(f(x))))))))", "g(x,2)", "g(2,x)", "g(x,x-x)", "h(x)", "h(x-x)",
+      "q(x)", "w(x)", "w(0-x)", "f(x)*1e300*1e300-w(0)", "w(0)+f(x)*1e300*1e300", "s(x)", "s(s(x))-x",
+      "f(x*1e300)", "1/f(x)", "g(f(x),h(x))+q(f(x))", "x-s(x)", "f(x)^2/s(x)", "p(x)", "m(p(x))-p(m(x))",
+      "c(x)", "c(c(x))", "p(x)*m(x)/f(x)", "ln(m(x))+p(0-x)", "x/2", "x/0.25/(0-4)", "x/1e300/1e300/2",
+      "1-(x+2)*3", "2/(x-1)", "1/(x*1e300*1e300)+ln(0)", "cosh(x)*tanh(x)-sinh(x)/log(x)",
   };
-  const double points[] = {1, -1, 0.3, 0.1 + 0.2, 2.5, 1e-8, 1e20, -1e200, 1e300, 0};
-  struct Outcome {
-    double value;
-    int16_t error;
-    bool fault;
-    std::vector<int> shown;
-  };
-  auto run = [&](bool lean, const char* formula, double x) {
-    RecordingHost host;
-    Engine e(host);
-    e.setLeanCode(lean);
-    int16_t n = CompileForTool(e, formula);
-    EXPECT_GT(n, 0) << formula;
-    SavedProgram saved = e.SaveProgram(n);
-    e.EvaluateAt(saved, 0.75);  // a first point builds the code; the second runs it as a tool's loop does
-    e.FaultFlag = false;
-    host.errors.clear();
-    double y = e.EvaluateAt(saved, x);
-    return Outcome{y, e.ErrorFlag, e.FaultFlag, host.errors};
-  };
-  for (const char* f : formulas) {
-    for (double x : points) {
-      Outcome lean = run(true, f, x), full = run(false, f, x);
-      EXPECT_EQ(std::bit_cast<uint64_t>(lean.value), std::bit_cast<uint64_t>(full.value))
-          << f << " at " << x << ": " << lean.value << " vs " << full.value;
-      EXPECT_EQ(lean.error, full.error) << f << " at " << x;
-      EXPECT_EQ(lean.fault, full.fault) << f << " at " << x;
-      EXPECT_EQ(lean.shown, full.shown) << f << " at " << x;
-    }
+  for (const char* f : formulas) ExpectLeanAgrees(f);
+  // Calls, divisions by expressions, exp and sqr of expressions and nested parentheses run lean.
+  for (const char* f : {"f(f(f(x)))", "g(f(x),h(x))+q(f(x))", "(x+1)*(x-1)/(x^2+1)", "exp(0-x*x/2)*sqr(2*x+1)",
+                        "w(x)", "((x+1)*(x-2))/((x-3)*(x+4))"}) {
+    EXPECT_TRUE(ExpectLeanAgrees(f)) << f;
   }
   // The cases above must reach both outcomes, or they test nothing about ordering.
-  EXPECT_TRUE(run(true, "x*1e300*1e300-ln(0)", 1).fault);
-  EXPECT_EQ(run(true, "x*1e300*1e300-ln(0)", 1).shown, std::vector<int>{});
-  EXPECT_EQ(run(true, "x-ln(0)", 1).shown, std::vector<int>{13});
-  EXPECT_TRUE(run(true, "atan(x*1e300*1e300)", 1).fault);
+  EXPECT_TRUE(RunTool(true, "x*1e300*1e300-ln(0)", 1).fault);
+  EXPECT_EQ(RunTool(true, "x*1e300*1e300-ln(0)", 1).shown, std::vector<int>{});
+  EXPECT_EQ(RunTool(true, "x-ln(0)", 1).shown, std::vector<int>{13});
+  EXPECT_TRUE(RunTool(true, "atan(x*1e300*1e300)", 1).fault);
+  EXPECT_EQ(RunTool(true, "w(0)+f(x)*1e300*1e300", 1).shown, std::vector<int>{13});
+  EXPECT_TRUE(RunTool(true, "f(f(f(f(f(f(f(f(x))))))))", 20).fault);
+  EXPECT_FALSE(RunTool(true, "f(f(f(f(f(f(f(f(x))))))))", 10).fault);
+  // A parameter holds its argument read back in 15 digits.
+  EXPECT_EQ(RunTool(true, "x-s(x)", 0.1 + 0.2).value, (0.1 + 0.2) - Round15(0.1 + 0.2));
+}
+
+// Random formulas: any mix of the operations, powers, parentheses, built-ins and calls.
+std::string RandomLeanFormula(std::mt19937& rng, int depth) {
+  static const char* const atoms[] = {"x", "x", "x", "0", "1", "2", "0.5", "3", "1e300", "PI", "7", "0.25", "0.001"};
+  static const char* const ops[] = {"+", "-", "*", "/", "^"};
+  static const char* const functions[] = {"sin", "cos", "atan", "abs", "tan", "exp", "sqr",
+                                          "ln",  "sinh", "log", "f",  "h",   "q",   "w", "s",
+                                          "p",   "m",    "c",  "cosh", "tanh"};
+  auto pick = [&rng](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
+  const int c = pick(10);
+  if (depth == 0 || c < 3) return atoms[pick(13)];
+  const std::string left = RandomLeanFormula(rng, depth - 1);
+  if (c < 7) return "(" + left + ops[pick(5)] + RandomLeanFormula(rng, depth - 1) + ")";
+  if (c < 8) return left + ops[pick(4)] + RandomLeanFormula(rng, depth - 1);  // precedence decides
+  if (c < 9) return "g(" + left + "," + RandomLeanFormula(rng, depth - 1) + ")";
+  return std::string(functions[pick(20)]) + "(" + left + ")";
+}
+
+TEST(Evaluation, LeanToolCodeAgreesOnRandomFormulas) {
+  std::mt19937 rng(1717);
+  int lean = 0;
+  for (int i = 0; i < 1000; ++i) {
+    std::string formula = RandomLeanFormula(rng, 4);
+    if (formula.find('x') == std::string::npos) formula += "+x";
+    if (ExpectLeanAgrees(formula)) ++lean;
+  }
+  EXPECT_GT(lean, 750);
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Number texts: plain and list forms, patterns, numeric test, lenient reading, 15-digit folding.
 #include <bit>
+#include <cstdio>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -137,11 +138,41 @@ TEST(NumberText, Round15IsThePlainTextReadBack) {
     EXPECT_TRUE(same(Round15(v), readBack(v))) << std::hexfloat << v;
     EXPECT_TRUE(same(Round15(-v), readBack(-v))) << std::hexfloat << -v;
   }
+  // Far from 1: exact 15-digit decimals, 16th digits on or next to a half (the product's
+  // truncated power of ten cannot decide those), over the whole exponent range.
+  char text[64];
+  for (int exp10 = -300; exp10 <= 290; exp10 += 7) {
+    for (const char* digits : {"123456789012345", "1234567890123455", "9999999999999995", "1000000000000005",
+                               "9999999999999994999", "1000000000000000"}) {
+      std::snprintf(text, sizeof text, "%se%d", digits, exp10);
+      const double v = *ReadNumber(text);
+      EXPECT_TRUE(same(Round15(v), readBack(v))) << text;
+      EXPECT_TRUE(same(Round15(std::nextafter(v, 0.0)), readBack(std::nextafter(v, 0.0)))) << text;
+    }
+  }
   // The text of the largest doubles reads back beyond the range, and "0" reads back as +0.
   EXPECT_TRUE(std::isinf(Round15(max)));
   EXPECT_TRUE(std::isinf(Round15(-max)) && Round15(-max) < 0);
   EXPECT_TRUE(same(Round15(-0.0), 0.0));
   EXPECT_NE(Round15(std::bit_cast<double>(uint64_t{0x000ec7a8e4e0e03e})), std::bit_cast<double>(uint64_t{0x000ec7a8e4e0e03e}));
+}
+
+// The integer read-back decides almost every normal value itself: the text is the rare way.
+TEST(NumberText, WideReadBackDecidesAlmostEveryValue) {
+  std::mt19937_64 rng(99);
+  int decided = 0;
+  for (int i = 0; i < 100000; ++i) {
+    const double v = std::bit_cast<double>(rng());
+    if (!std::isnormal(v) || std::fabs(v) > 1e308) {
+      --i;
+      continue;
+    }
+    double r = 0;
+    if (!detail::Round15Wide(v, r)) continue;
+    ++decided;
+    ASSERT_EQ(std::bit_cast<uint64_t>(r), std::bit_cast<uint64_t>(*ReadNumber(PlainText(v)))) << std::hexfloat << v;
+  }
+  EXPECT_GT(decided, 99900);
 }
 
 TEST(NumberText, SixteenBitRounding) {

@@ -1,6 +1,7 @@
 // The Statistical Analysis window: every number comes from stats/statistics.
 #include "stats/stat_window.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -143,6 +144,11 @@ void StatWindow::showTableStatus() {
   const bool known = t.kind >= WaveData && t.kind <= OrbitaData;
   Label3->setText(known ? QString::number(t.dimension) : QString());
   Label4->setText(known ? QString::number(t.count) : QString());
+}
+
+bool StatWindow::event(QEvent* e) {
+  if (e->type() == QEvent::WindowActivate) showTableStatus();
+  return ToolWindow::event(e);
 }
 
 StatDataWindow* StatWindow::statDataWindow() {

@@ -37,6 +37,11 @@ class StatWindow : public ToolWindow {
   QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8;
   ChartWidget* Graph1;
 
+ protected:
+  // Coming back to the window re-reads the table's status: a Data window of another tool may
+  // have stored new data meanwhile.
+  bool event(QEvent* e) override;
+
  private:
   void frequency();
   void basic();

@@ -71,6 +71,13 @@ TEST_F(StatWindowsTest, StatusFollowsTheKindOnOpeningAndAfterMemory) {
   EXPECT_EQ(w->Label14->text(), "ORBITA形式のﾃﾞｰﾀです");
   EXPECT_EQ(w->Label3->text(), "3");
   EXPECT_EQ(w->Label4->text(), "2");
+  // Data loaded elsewhere while the window is open shows when the user comes back to it.
+  state().Records.kind = WaveData;
+  state().Records.dimension = 1;
+  QEvent activate(QEvent::WindowActivate);
+  QCoreApplication::sendEvent(w, &activate);
+  EXPECT_EQ(w->Label14->text(), "WAVE形式のﾃﾞｰﾀです");
+  EXPECT_EQ(w->Label3->text(), "1");
 }
 
 TEST_F(StatWindowsTest, FreqAveAndRegresFillTheirBoxesAndTheChart) {

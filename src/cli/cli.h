@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "engine/engine.h"
+#include "graph/graph_plot.h"
 #include "main/app_state.h"
+#include "signal/data_files.h"
 
 namespace merida::cli {
 
@@ -46,6 +48,12 @@ struct CommandEntry {
   const char* usage;
   Command run;
 };
+
+// Load as the Load window does after a click on the file: Text1 first holds the file's name.
+LoadResult LoadFile(Context& ctx, const std::string& file);
+
+// Points of single-precision data, "X Y" a line, as the record table holds them.
+std::string FloatPointLines(const std::vector<ChartPoint>& points);
 
 // Prints "usage: merida-cli USAGE" on standard error and returns kUsage.
 int Usage(const char* usage);

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "cli/cli.h"
+#include "engine/number_text.h"
 
 namespace merida::cli {
 
@@ -23,6 +24,21 @@ void CliHost::showError(int code, const std::string& message) {
 void CliHost::showFault(const std::string& description) {
   if (!sawFault) std::cerr << "fault: " << description << std::endl;
   sawFault = true;
+}
+
+LoadResult LoadFile(Context& ctx, const std::string& file) {
+  std::filesystem::path path = std::filesystem::absolute(file);
+  LoadResult r = LoadDataFile(ctx.engine, ctx.state.Records, path);
+  if (!r.boxes.text1) r.boxes.text1 = path.filename().string();
+  return r;
+}
+
+std::string FloatPointLines(const std::vector<ChartPoint>& points) {
+  std::string out;
+  for (const ChartPoint& p : points) {
+    out += PlainText(static_cast<float>(p.x)) + " " + PlainText(static_cast<float>(p.y)) + "\n";
+  }
+  return out;
 }
 
 int Finish(const Context& ctx, bool produced) {

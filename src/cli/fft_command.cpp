@@ -37,7 +37,7 @@ int RunFft(Context& ctx, const std::vector<std::string>& args) {
   FftSource source = FftSource::kFormula;
   if (file) {
     source = o->has("--wave") ? FftSource::kWave : FftSource::kMerida;
-    LoadDataFile(ctx.engine, ctx.state.Records, o->has("--wave") ? (*o)["--wave"] : (*o)["--mrd"]);
+    LoadFile(ctx, o->has("--wave") ? (*o)["--wave"] : (*o)["--mrd"]);
     if (ctx.host.sawError) return Finish(ctx, false);
   }
   FrequencyAnalysis fft(ctx.engine, ctx.state);

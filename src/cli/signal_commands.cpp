@@ -15,14 +15,6 @@ constexpr const char* kWaveUsage = "wave [--mrd] --from T0 --to T1 [--name FILE]
 constexpr const char* kLoadUsage = "load [--rows] FILE";
 constexpr const char* kDisplayUsage = "display FILE";
 
-// Load as the window does after a click on the file: Text1 first holds the file's name.
-LoadResult Load(Context& ctx, const std::string& file) {
-  std::filesystem::path path = std::filesystem::absolute(file);
-  LoadResult r = LoadDataFile(ctx.engine, ctx.state.Records, path);
-  if (!r.boxes.text1) r.boxes.text1 = path.filename().string();
-  return r;
-}
-
 }  // namespace
 
 int RunWave(Context& ctx, const std::vector<std::string>& args) {
@@ -43,7 +35,7 @@ int RunWave(Context& ctx, const std::vector<std::string>& args) {
 int RunLoad(Context& ctx, const std::vector<std::string>& args) {
   auto o = ParseOptions(args, {}, {"--rows"}, {});
   if (!o) return Usage(kLoadUsage);
-  LoadResult r = Load(ctx, *o->formula);
+  LoadResult r = LoadFile(ctx, *o->formula);
   if (ctx.host.sawError) return Finish(ctx, false);
   if (!r.loaded) {
     if (ReaderFor(*o->formula) == DataFormat::kWave) std::cout << *r.boxes.text1 << '\n';
@@ -67,13 +59,9 @@ int RunLoad(Context& ctx, const std::vector<std::string>& args) {
 int RunDisplay(Context& ctx, const std::vector<std::string>& args) {
   auto o = ParseOptions(args, {}, {}, {});
   if (!o) return Usage(kDisplayUsage);
-  LoadResult r = Load(ctx, *o->formula);
+  LoadResult r = LoadFile(ctx, *o->formula);
   if (!r.loaded) return Finish(ctx, false);
-  std::string out;
-  for (const ChartPoint& p : FileDisplayPoints(ctx.state.Records)) {
-    out += PlainText(static_cast<float>(p.x)) + " " + PlainText(static_cast<float>(p.y)) + "\n";
-  }
-  std::cout << out;
+  std::cout << FloatPointLines(FileDisplayPoints(ctx.state.Records));
   return Finish(ctx, true);
 }
 

@@ -5,8 +5,6 @@
 
 #include "cli/cli.h"
 #include "cli/options.h"
-#include "engine/number_text.h"
-#include "signal/data_files.h"
 #include "stats/hypothesis_test.h"
 #include "stats/statistics.h"
 
@@ -17,21 +15,9 @@ constexpr const char* kStatUsage = "stat freq|ave|regres|multreg [--column K] [-
 constexpr const char* kTestUsage =
     "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J]";
 
-bool Load(Context& ctx, const std::string& file) {
-  return LoadDataFile(ctx.engine, ctx.state.Records, std::filesystem::absolute(file)).loaded;
-}
-
 std::string Lines(std::initializer_list<const std::string*> boxes) {
   std::string out;
   for (const std::string* box : boxes) out += *box + '\n';
-  return out;
-}
-
-std::string PointLines(const std::vector<ChartPoint>& points) {
-  std::string out;
-  for (const ChartPoint& p : points) {
-    out += PlainText(static_cast<float>(p.x)) + " " + PlainText(static_cast<float>(p.y)) + '\n';
-  }
   return out;
 }
 
@@ -55,7 +41,7 @@ int RunStat(Context& ctx, const std::vector<std::string>& args) {
   if (!o || (action != "freq" && action != "ave" && action != "regres" && action != "multreg")) {
     return Usage(kStatUsage);
   }
-  if (!Load(ctx, *o->formula)) return Finish(ctx, false);
+  if (!LoadFile(ctx, *o->formula).loaded) return Finish(ctx, false);
   const std::string column = o->has("--column") ? (*o)["--column"] : "1";
   const RecordFunctionTable& table = ctx.state.Records;
   std::string out;
@@ -63,7 +49,7 @@ int RunStat(Context& ctx, const std::vector<std::string>& args) {
     auto r = FrequencyDistribution(ctx.engine, table, column);
     if (!r) return Finish(ctx, false);
     out = Lines({&r->medianBox, &r->modeBox});
-    if (o->flag("--chart")) out += PointLines(r->chart);
+    if (o->flag("--chart")) out += FloatPointLines(r->chart);
   } else if (action == "ave") {
     auto r = BasicStatistics(ctx.engine, table, column);
     if (!r) return Finish(ctx, false);
@@ -72,7 +58,7 @@ int RunStat(Context& ctx, const std::vector<std::string>& args) {
     auto r = RegressionLine(ctx.engine, table, column);
     if (!r) return Finish(ctx, false);
     out = Lines({&r->aBox, &r->bBox, &r->rBox});
-    if (o->flag("--chart")) out += PointLines(r->chart);
+    if (o->flag("--chart")) out += FloatPointLines(r->chart);
   } else {
     auto r = MultipleRegression(ctx.engine, table);
     if (!r) return Finish(ctx, false);
@@ -99,7 +85,7 @@ int RunTest(Context& ctx, const std::vector<std::string>& args) {
     return Usage(kTestUsage);
   }
   if (o->has("--record")) {
-    if (!Load(ctx, (*o)["--record"])) return Finish(ctx, false);
+    if (!LoadFile(ctx, (*o)["--record"]).loaded) return Finish(ctx, false);
     in.record = true;
     if (o->has("--column")) in.column = (*o)["--column"];
   }

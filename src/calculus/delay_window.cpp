@@ -47,9 +47,7 @@ DelayWindow::DelayWindow(Engine& engine, AppState& state, std::function<QString(
   connect(Command3, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Command4, &QPushButton::clicked, this, [this] {
     if (!data_) data_ = new StatDataWindow(engine_, state_, this);
-    data_->load();
-    data_->show();
-    data_->raise();
+    data_->open();
   });
   pressOnEnter({Text1}, Command1);
   // Enter in Init Value stores it in the selected cell and moves down, for typing a column.

@@ -80,12 +80,7 @@ DiffWindow::DiffWindow(Engine& engine, AppState& state, std::function<QString()>
     run([this] { return RunSimult(engine_, state_, formula_().toStdString(), boxes(), plane_ == 1); });
   });
   connect(Command3, &QPushButton::clicked, this, &QWidget::close);
-  connect(Command5, &QPushButton::clicked, this, [this] {
-    StatDataWindow* w = statDataWindow();
-    w->load();
-    w->show();
-    w->raise();
-  });
+  connect(Command5, &QPushButton::clicked, this, [this] { statDataWindow()->open(); });
   connect(Command6, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Option1, &QRadioButton::clicked, this, [this] {
     SelectDiffOption(state_);

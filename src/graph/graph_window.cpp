@@ -64,12 +64,7 @@ GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString(
     w->raise();
   });
   connect(Command7, &QPushButton::clicked, this, [this] { printWindow(); });
-  connect(Command8, &QPushButton::clicked, this, [this] {
-    StatDataWindow* w = statDataWindow();
-    w->load();
-    w->show();
-    w->raise();
-  });
+  connect(Command8, &QPushButton::clicked, this, [this] { statDataWindow()->open(); });
 
   retranslate();
   Graph1->setGraphType(ChartWidget::Type::kLine);

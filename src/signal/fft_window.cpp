@@ -79,12 +79,7 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
     w->raise();
   });
   connect(Command6, &QPushButton::clicked, this, [this] { printWindow(); });
-  connect(Command8, &QPushButton::clicked, this, [this] {
-    StatDataWindow* w = statDataWindow();
-    w->load();
-    w->show();
-    w->raise();
-  });
+  connect(Command8, &QPushButton::clicked, this, [this] { statDataWindow()->open(); });
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
   connect(Check1, &QCheckBox::clicked, this, [this] { tickSource(Check1, Check2); });
   connect(Check2, &QCheckBox::clicked, this, [this] { tickSource(Check2, Check1); });

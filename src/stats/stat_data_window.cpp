@@ -103,6 +103,12 @@ void StatDataWindow::load() {
   rebuildGrid();
 }
 
+void StatDataWindow::open() {
+  load();
+  show();
+  raise();
+}
+
 void StatDataWindow::rebuildGrid() {
   const int rows = data_->count() + 1, columns = data_->dimension() + 1;
   Grid1->setUpdatesEnabled(false);

@@ -21,6 +21,8 @@ class StatDataWindow : public ToolWindow {
   void retranslate() override;
   // Opening: the grid from the record function table (or one empty column of five rows).
   void load();
+  // A tool's Data button: the grid afresh from the table, the window shown and raised.
+  void open();
   const StatData& data() const { return *data_; }
 
   QLabel *Label1, *Label2, *Label3;

@@ -91,12 +91,7 @@ StatWindow::StatWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   connect(Command1, &QPushButton::clicked, this, &StatWindow::frequency);
   connect(Command2, &QPushButton::clicked, this, &StatWindow::basic);
   connect(Command3, &QPushButton::clicked, this, &StatWindow::regression);
-  connect(Command4, &QPushButton::clicked, this, [this] {
-    StatDataWindow* w = statDataWindow();
-    w->load();
-    w->show();
-    w->raise();
-  });
+  connect(Command4, &QPushButton::clicked, this, [this] { statDataWindow()->open(); });
   connect(Command5, &QPushButton::clicked, this, &StatWindow::multipleRegression);
   connect(Command6, &QPushButton::clicked, this, [this] {
     TestWindow* w = testWindow();

@@ -61,9 +61,8 @@ Box Read(std::string_view text) {
   return {true, v};
 }
 
-// A count box rounded to a whole number; nullopt when blank, odd or beyond 32 bits.
-std::optional<int> Count(std::string_view text) {
-  Box b = Read(text);
+// A count rounded to a whole number; nullopt when blank, odd or beyond 32 bits.
+std::optional<int> Count(const Box& b) {
   if (!b.value) return std::nullopt;
   return ToInt32(*b.value);
 }
@@ -125,9 +124,7 @@ std::optional<TestResult> MeanTest(Engine& engine, const RecordFunctionTable& ta
   } else {
     mean = Read(in.boxes[3]);
     s = Read(in.boxes[4]);
-    const Box count = Read(in.boxes[5]);
-    if (!count.ok) return Refuse(engine, 46);
-    n = Count(in.boxes[5]);
+    n = Count(Read(in.boxes[5]));
   }
   if (!mu.ok || !sigma.ok || !mean.ok || !s.ok || !mu.value || !mean.value || !n) return Refuse(engine, 46);
   const bool sigmaGiven = sigma.value && *sigma.value >= 0, sGiven = s.value && *s.value >= 0;
@@ -167,7 +164,7 @@ std::optional<TestResult> VarianceTest(Engine& engine, const RecordFunctionTable
     r.boxes[5] = CountText(nB);
   } else {
     const Box a = Read(in.boxes[1]), b = Read(in.boxes[4]);
-    const std::optional<int> countA = Count(in.boxes[2]), countB = Count(in.boxes[5]);
+    const std::optional<int> countA = Count(Read(in.boxes[2])), countB = Count(Read(in.boxes[5]));
     if (!a.value || !b.value || !countA || !countB || *a.value < 0 || *b.value < 0) return Refuse(engine, 46);
     sA = static_cast<float>(*a.value);
     sB = static_cast<float>(*b.value);
@@ -193,7 +190,7 @@ std::optional<TestResult> ChiSquareTest(Engine& engine, const RecordFunctionTabl
   const Box a = Read(in.boxes[2]), b = Read(in.boxes[5]);
   if (!a.ok || !b.ok) return Refuse(engine, 46);
   // A blank count is no count.
-  const std::optional<int> ra = a.value ? ToInt32(*a.value) : 0, rb = b.value ? ToInt32(*b.value) : 0;
+  const std::optional<int> ra = a.value ? Count(a) : 0, rb = b.value ? Count(b) : 0;
   if (!ra || !rb) return Refuse(engine, 46);
   long long nu;
   if (*ra > 0 && *rb <= 0) {

@@ -52,6 +52,7 @@ INSTANTIATE_TEST_SUITE_P(
                       TextCase{"(x-.5)^3", "x^3-1.5*x^2+.75*x-.125", 0},
                       TextCase{"(t+2)*(t-2)", "t^2-4", 0},
                       TextCase{"(x^25)*(x^25)", "x^50", 0},
+                      TextCase{"(x^50)", "x^50", 0},
                       TextCase{"x^2+1", "", 22},                 // no bracket
                       TextCase{"(x+1", "", 22},                  // bracket never closed
                       TextCase{"(x+1)^", "", 22},                // power without digits

@@ -14,24 +14,13 @@
 namespace merida {
 namespace {
 
-struct ContourCliCase {
-  const char* name;
-  std::vector<std::string> args;
-  int status;
-  std::string out;
-  std::string err;
-};
+using test::CliCase;
 
-class ContourCliTest : public test::TempDirTest, public ::testing::WithParamInterface<ContourCliCase> {};
-
-TEST_P(ContourCliTest, PrintsWhatTheWindowShows) {
-  const ContourCliCase& c = GetParam();
-  std::vector<std::string> args{"contour"};
-  args.insert(args.end(), c.args.begin(), c.args.end());
-  test::CliResult r = test::RunCli(args);
-  EXPECT_EQ(r.status, c.status);
-  EXPECT_EQ(r.out, c.out);
-  EXPECT_EQ(r.err, c.err);
+class ContourCli : public test::CliCaseTest {};
+TEST_P(ContourCli, Runs) {
+  CliCase c = GetParam();
+  c.args.insert(c.args.begin(), "contour");
+  test::ExpectCli(c);
 }
 
 const std::string kUsage =
@@ -40,44 +29,39 @@ const std::string kUsage =
     "[--color red|green|skyblue|yellow|multi] [--angles A,B] --out FILE.png|FILE.svg FORMULA\n";
 
 INSTANTIATE_TEST_SUITE_P(
-    Cases, ContourCliTest,
+    Cases, ContourCli,
     ::testing::Values(
-        ContourCliCase{"Calc", {"--x", "-2,2,20", "--y", "-2,2,20", "x^2+y^2"}, 0, "0 ～ 8\n", ""},
-        ContourCliCase{"CalcRounds", {"--x", "0,1,4", "--y", "-2.5,1,4", "y"}, 0, "-2 ～ 1\n", ""},
-        ContourCliCase{"CappedDivisions", {"--x", "-2,2,150", "--y", "-1,1,500", "x"}, 0, "-2 ～ 2\n",
+        CliCase{"Calc", {"--x", "-2,2,20", "--y", "-2,2,20", "x^2+y^2"}, 0, "0 ～ 8\n", ""},
+        CliCase{"CappedDivisions", {"--x", "-2,2,150", "--y", "-1,1,500", "x"}, 0, "-2 ～ 2\n",
                        "Text3: 100\nText6: 100\n"},
-        ContourCliCase{"WrongVariable", {"--x", "0,1,4", "--y", "0,1,4", "x*t"}, 1, "",
+        CliCase{"WrongVariable", {"--x", "0,1,4", "--y", "0,1,4", "x*t"}, 1, "",
                        "error 32: 等高線の変数名はｘとｙだけです\n"},
-        ContourCliCase{"ThreeVariables", {"--x", "0,1,4", "--y", "0,1,4", "x*y*z"}, 1, "",
+        CliCase{"ThreeVariables", {"--x", "0,1,4", "--y", "0,1,4", "x*y*z"}, 1, "",
                        "error 31: 等高線の変数は2個です\n"},
-        ContourCliCase{"ReversedRange", {"--x", "2,-2,20", "--y", "-2,2,20", "x"}, 1, "", ""},
-        ContourCliCase{"Overflow", {"--x", "0,100,4", "--y", "0,100,4", "exp(x*y)"}, 3, "", "fault: Overflow\n"},
-        ContourCliCase{"VertexOnTheLevel", {"--x", "0,2,1", "--y", "0,1,1", "--levels", "2,3,5", "x+2*y"}, 0,
-                       "0 ～ 4\n0 1 2 0\n", ""},
-        ContourCliCase{"HalfLevelsToEven", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "0.5,2.5,1", "x-0.5"}, 0,
-                       "0 ～ 4\n0.5 0 0.5 1\n1.5 0 1.5 1\n2.5 0 2.5 1\n", ""},
-        ContourCliCase{"CappedStep", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "0,400,150", "x-0.5"}, 0,
+        CliCase{"ReversedRange", {"--x", "2,-2,20", "--y", "-2,2,20", "x"}, 1, "", ""},
+        CliCase{"Overflow", {"--x", "0,100,4", "--y", "0,100,4", "exp(x*y)"}, 3, "", "fault: Overflow\n"},
+        CliCase{"CappedStep", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "0,400,150", "x-0.5"}, 0,
                        "0 ～ 4\n0.5 0 0.5 1\n", "Text9: 100\n"},
-        ContourCliCase{"LowestNotBelowHighest", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "2.5,1.5,1", "x"}, 1,
+        CliCase{"LowestNotBelowHighest", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "2.5,1.5,1", "x"}, 1,
                        "0 ～ 4\n", ""},
-        ContourCliCase{"LevelError", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "1,4*,1", "x"}, 1, "0 ～ 4\n",
+        CliCase{"LevelError", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "1,4*,1", "x"}, 1, "0 ～ 4\n",
                        "error 22: 文法エラーです\n"},
-        ContourCliCase{"MissingY", {"--x", "0,4,4", "x"}, 2, "", kUsage},
-        ContourCliCase{"TwoPartRange", {"--x", "0,4", "--y", "0,1,1", "x"}, 2, "", kUsage},
-        ContourCliCase{"DrawWithoutOut", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "hide", "x"}, 2, "", kUsage},
-        ContourCliCase{"OutWithoutDraw", {"--x", "0,4,4", "--y", "0,1,1", "--out", "a.png", "x"}, 2, "", kUsage},
-        ContourCliCase{"UnknownDrawing", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "mesh", "--out", "a.png", "x"},
+        CliCase{"MissingY", {"--x", "0,4,4", "x"}, 2, "", kUsage},
+        CliCase{"TwoPartRange", {"--x", "0,4", "--y", "0,1,1", "x"}, 2, "", kUsage},
+        CliCase{"DrawWithoutOut", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "hide", "x"}, 2, "", kUsage},
+        CliCase{"OutWithoutDraw", {"--x", "0,4,4", "--y", "0,1,1", "--out", "a.png", "x"}, 2, "", kUsage},
+        CliCase{"UnknownDrawing", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "mesh", "--out", "a.png", "x"},
                        2, "", kUsage},
-        ContourCliCase{"UnknownImage", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--out", "a.gif", "x"}, 2,
+        CliCase{"UnknownImage", {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--out", "a.gif", "x"}, 2,
                        "", kUsage},
-        ContourCliCase{"UnknownColor",
+        CliCase{"UnknownColor",
                        {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--color", "pink", "--out", "a.png", "x"},
                        2, "", kUsage},
-        ContourCliCase{"ColorWithoutDraw", {"--x", "0,4,4", "--y", "0,1,1", "--color", "red", "x"}, 2, "", kUsage},
-        ContourCliCase{"AngleNotANumber",
+        CliCase{"ColorWithoutDraw", {"--x", "0,4,4", "--y", "0,1,1", "--color", "red", "x"}, 2, "", kUsage},
+        CliCase{"AngleNotANumber",
                        {"--x", "0,4,4", "--y", "0,1,1", "--draw", "cube", "--angles", "a,30", "--out", "a.png", "x"},
                        2, "", kUsage}),
-    [](const ::testing::TestParamInfo<ContourCliCase>& p) { return std::string(p.param.name); });
+    test::CliCaseName);
 
 class ContourCliFiles : public test::TempDirTest {
  protected:

@@ -26,23 +26,12 @@ std::vector<std::pair<double, double>> Points(const std::string& out) {
   return points;
 }
 
-TEST_F(GraphCliTest, PrintsOneLinePerPointInPlainForm) {
-  CliResult r = RunCli({"graph", "--min", "0", "--max", "1", "--num", "4", "x^2"});
-  EXPECT_EQ(r.status, 0);
-  EXPECT_EQ(r.err, "");
-  EXPECT_EQ(r.out, "0 0\n0.25 0.0625\n0.5 0.25\n0.75 0.5625\n1 1\n");
-}
-
-TEST_F(GraphCliTest, PolarAndParametricModes) {
+TEST_F(GraphCliTest, PolarModeReachesThePolarPlot) {
   CliResult polar = RunCli({"graph", "--polar", "--min", "0", "--max", "2*PI", "--num", "8", "2"});
   ASSERT_EQ(polar.status, 0);
   auto p = Points(polar.out);
   ASSERT_EQ(p.size(), 9u);
   for (auto [x, y] : p) EXPECT_NEAR(std::hypot(x, y), 2, 1e-12);
-
-  CliResult para = RunCli({"graph", "--min", "-1", "--max", "1", "--num", "2", "--param", "t^2", "-t"});
-  EXPECT_EQ(para.status, 0);
-  EXPECT_EQ(para.out, "1 1\n0 0\n-1 1\n");
 }
 
 TEST_F(GraphCliTest, CappedPlotHasSixThousandLinesEndingAtMax) {
@@ -54,34 +43,33 @@ TEST_F(GraphCliTest, CappedPlotHasSixThousandLinesEndingAtMax) {
   EXPECT_EQ(r.err, "Text3: 6000\n") << "the window shows the cap in its Num box";
 }
 
-TEST_F(GraphCliTest, ErrorsSilentEndsFaultsAndUsage) {
-  struct Case {
-    std::vector<std::string> args;
-    int status;
-    std::string errPrefix;
-  };
-  const Case cases[] = {
-      {{"graph", "--min", "0", "--max", "1", "--num", "2", "x*y"}, 1, "error 24: "},
-      {{"graph", "--min", "0", "--max", "2", "--num", "4", "1/(x-1)"}, 1, "error 11: "},
-      {{"graph", "--min", "1", "--max", "0", "--num", "2", "x"}, 1, ""},
-      {{"graph", "--min", "10", "--max", "20", "--num", "10", "x!"}, 3, "fault: "},
-      {{"graph", "--min", "0", "--max", "1", "x"}, 2, "usage: "},
-      {{"graph", "--min", "0", "--max", "1", "--num", "2"}, 2, "usage: "},
-      {{"graph", "--min", "0", "--max", "1", "--num", "2", "x", "x"}, 2, "usage: "},
-      {{"graph", "--min", "0", "--max", "1", "--num", "2", "--polar", "--param", "t", "t"}, 2, "usage: "},
-      {{"graph", "--min", "0", "--max", "1", "--num", "2", "--bogus", "x"}, 2, "usage: "},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.args.back());
-    CliResult r = RunCli(c.args);
-    EXPECT_EQ(r.status, c.status);
-    EXPECT_EQ(r.out, "");
-    EXPECT_EQ(r.err.substr(0, c.errPrefix.size()), c.errPrefix);
-    if (c.errPrefix.empty()) {
-      EXPECT_EQ(r.err, "");
-    }
-  }
-}
+class GraphCli : public test::CliCaseTest {};
+TEST_P(GraphCli, Runs) { test::ExpectCli(GetParam()); }
+
+constexpr bool kPrefix = true;
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, GraphCli,
+    ::testing::Values(
+        test::CliCase{"Plain", {"graph", "--min", "0", "--max", "1", "--num", "4", "x^2"}, 0,
+                      "0 0\n0.25 0.0625\n0.5 0.25\n0.75 0.5625\n1 1\n", ""},
+        test::CliCase{"Param", {"graph", "--min", "-1", "--max", "1", "--num", "2", "--param", "t^2", "-t"}, 0,
+                      "1 1\n0 0\n-1 1\n", ""},
+        test::CliCase{"TwoVariables", {"graph", "--min", "0", "--max", "1", "--num", "2", "x*y"}, 1, "", "error 24: ",
+                      kPrefix},
+        test::CliCase{"DivisionByZero", {"graph", "--min", "0", "--max", "2", "--num", "4", "1/(x-1)"}, 1, "",
+                      "error 11: ", kPrefix},
+        test::CliCase{"ReversedIsSilent", {"graph", "--min", "1", "--max", "0", "--num", "2", "x"}, 1, "", ""},
+        test::CliCase{"Fault", {"graph", "--min", "10", "--max", "20", "--num", "10", "x!"}, 3, "", "fault: ", kPrefix},
+        test::CliCase{"MissingNum", {"graph", "--min", "0", "--max", "1", "x"}, 2, "", "usage: ", kPrefix},
+        test::CliCase{"NoFormula", {"graph", "--min", "0", "--max", "1", "--num", "2"}, 2, "", "usage: ", kPrefix},
+        test::CliCase{"TwoFormulas", {"graph", "--min", "0", "--max", "1", "--num", "2", "x", "x"}, 2, "", "usage: ",
+                      kPrefix},
+        test::CliCase{"PolarAndParam", {"graph", "--min", "0", "--max", "1", "--num", "2", "--polar", "--param", "t", "t"},
+                      2, "", "usage: ", kPrefix},
+        test::CliCase{"UnknownOption", {"graph", "--min", "0", "--max", "1", "--num", "2", "--bogus", "x"}, 2, "",
+                      "usage: ", kPrefix}),
+    test::CliCaseName);
 
 TEST_F(GraphCliTest, UserFunctionsFromTheStoreCanBePlotted) {
   ASSERT_EQ(RunCli({"rec", "sq(a)=a*a"}).status, 0);

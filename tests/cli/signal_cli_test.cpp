@@ -28,7 +28,6 @@ TEST_F(SignalCliTest, WaveThenLoadThenDisplay) {
   test::CliResult made = test::RunCli({"wave", "--from", "0", "--to", "1", "sin(2*PI*440*x)"});
   EXPECT_EQ(made.status, 0);
   EXPECT_EQ(made.out, "mrdsound.wav\n");
-  EXPECT_EQ(std::filesystem::file_size(dir_ / "mrdsound.wav"), 11070u);
   test::CliResult loaded = test::RunCli({"load", "mrdsound.wav"});
   EXPECT_EQ(loaded.status, 0);
   EXPECT_EQ(Lines(loaded.out), (std::vector<std::string>{(std::filesystem::current_path() / "mrdsound.wav").string(),

@@ -173,17 +173,5 @@ TEST_F(ContourGridTest, UnitCircleOfTheImplicitPlot) {
   EXPECT_EQ(sectors.size(), 36u);
 }
 
-TEST_F(ContourGridTest, CirclesOfEachWholeLevel) {
-  GridResult r = EvaluateGrid(engine, "x^2+y^2", GridBoxes{"-2", "2", "20", "-2", "2", "20"});
-  ASSERT_EQ(r.end, GridEnd::kCompleted);
-  for (int level = 1; level <= 4; ++level) {
-    std::vector<Segment> s = TraceLevel(r.grid, level);
-    ASSERT_FALSE(s.empty()) << level;
-    for (const Segment& seg : s) {
-      EXPECT_NEAR(std::hypot(seg.x1, seg.y1), std::sqrt(level), 0.03) << level;
-    }
-  }
-}
-
 }  // namespace
 }  // namespace merida

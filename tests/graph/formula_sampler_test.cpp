@@ -11,11 +11,12 @@
 namespace merida {
 namespace {
 
-TEST(FormulaSamplerTest, CompilesOnceAndEvaluatesAtEachX) {
-  test::RecordingHost host;
-  Engine engine(host);
-  engine.ResetEngine();
-  FormulaSampler s(engine);
+class FormulaSamplerTest : public test::EngineTest {
+ protected:
+  FormulaSampler s{engine};
+};
+
+TEST_F(FormulaSamplerTest, CompilesOnceAndEvaluatesAtEachX) {
   ASSERT_EQ(s.compile("  sqr(x)+integ(t,0,1,10)"), PointStatus::kOk);
   EXPECT_EQ(s.variables(), std::vector<std::string>{"x"});
   for (double x : {0.0, 1.0, 2.25, 16.0}) {
@@ -28,11 +29,7 @@ TEST(FormulaSamplerTest, CompilesOnceAndEvaluatesAtEachX) {
   EXPECT_EQ(host.errors, std::vector<int>{12});
 }
 
-TEST(FormulaSamplerTest, ReportsVariablesInOrderAndBindsCells) {
-  test::RecordingHost host;
-  Engine engine(host);
-  engine.ResetEngine();
-  FormulaSampler s(engine);
+TEST_F(FormulaSamplerTest, ReportsVariablesInOrderAndBindsCells) {
   ASSERT_EQ(s.compile("b*10+a"), PointStatus::kOk);
   EXPECT_EQ(s.variables(), (std::vector<std::string>{"b", "a"}));
   double y = 0;
@@ -42,11 +39,7 @@ TEST(FormulaSamplerTest, ReportsVariablesInOrderAndBindsCells) {
   EXPECT_EQ(y, 4);
 }
 
-TEST(FormulaSamplerTest, CompileErrorsAndFaults) {
-  test::RecordingHost host;
-  Engine engine(host);
-  engine.ResetEngine();
-  FormulaSampler s(engine);
+TEST_F(FormulaSamplerTest, CompileErrorsAndFaults) {
   EXPECT_EQ(s.compile("sin(x"), PointStatus::kError);
   EXPECT_EQ(host.errors, std::vector<int>{23});
   ASSERT_EQ(s.compile("x!"), PointStatus::kOk);
@@ -57,7 +50,7 @@ TEST(FormulaSamplerTest, CompileErrorsAndFaults) {
   EXPECT_TRUE(host.faults.empty());  // tools end a fault without a message
 }
 
-TEST(FormulaSamplerTest, CountBoxesAreNumericRoundedAndSixteenBit) {
+TEST(FormulaSamplerBoxTest, CountBoxesAreNumericRoundedAndSixteenBit) {
   struct Case {
     const char* text;
     std::optional<int16_t> value;
@@ -68,7 +61,7 @@ TEST(FormulaSamplerTest, CountBoxesAreNumericRoundedAndSixteenBit) {
   for (const Case& c : cases) EXPECT_EQ(ReadCountBox(c.text), c.value) << c.text;
 }
 
-TEST(FormulaSamplerTest, RecordValuesMustFitSinglePrecision) {
+TEST(FormulaSamplerBoxTest, RecordValuesMustFitSinglePrecision) {
   EXPECT_EQ(RecordValue(1.5), 1.5f);
   EXPECT_EQ(RecordValue(-FLT_MAX), -FLT_MAX);
   EXPECT_FALSE(RecordValue(1e39));

@@ -79,7 +79,8 @@ class SignalWindowsTest : public GuiTest {
   }
 };
 
-TEST_F(SignalWindowsTest, OpeningLoadClearsTheKindOnly) {
+TEST_F(SignalWindowsTest, OpeningLoadClearsTheKindOnlyAndAClickOnlyChoosesAFile) {
+  writeFile("s.mrd", "MERIDA\r\n1\r\n0\r\n1\r\n 3\r\n");
   start();
   fillRows();
   state().Records.kind = WaveData;
@@ -101,13 +102,7 @@ TEST_F(SignalWindowsTest, OpeningLoadClearsTheKindOnly) {
   EXPECT_EQ(state().Records.kind, NoData);
   EXPECT_EQ(errorText(), "");
   EXPECT_EQ(w->Text2->text(), "");
-}
 
-TEST_F(SignalWindowsTest, ClickChoosesAFileWithoutLoadingIt) {
-  writeFile("s.mrd", "MERIDA\r\n1\r\n0\r\n1\r\n 3\r\n");
-  start();
-  LoadWindow* w = openLoad();
-  ASSERT_NE(w, nullptr);
   chooseFile(w, "s.mrd");
   EXPECT_EQ(w->Text1->text(), "s.mrd");
   EXPECT_EQ(w->chosenPath(), QDir::currentPath() + "/s.mrd");

@@ -176,8 +176,7 @@ TEST_F(ContourWindowTest, AxisAngleDialogHoldsDecidesAndForgets) {
   struct Case {
     const char *a, *b, *shownA, *shownB;
   };
-  for (Case c : {Case{"-10", "200", "0", "180"}, Case{"100", "100", "20", "30"}, Case{"45", "60.5", "45", "60.5"},
-                 Case{"x", "10", "45", "60.5"}}) {
+  for (Case c : {Case{"-10", "200", "0", "180"}, Case{"45", "60.5", "45", "60.5"}, Case{"x", "10", "45", "60.5"}}) {
     angle->Text1->setText(c.a);
     angle->Text2->setText(c.b);
     QTest::mouseClick(angle->Command1, Qt::LeftButton);

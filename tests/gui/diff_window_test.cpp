@@ -176,14 +176,8 @@ TEST_F(DiffWindowTest, CloseStopsARunningComputation) {
   EXPECT_EQ(engine().BindToX, 1);
 }
 
-struct Caption {
-  const char* control;
-  const char* english;
-  const char* japanese;
-};
-
 TEST_F(DiffWindowTest, CaptionsInBothLanguages) {
-  const Caption captions[] = {
+  const std::vector<Caption> captions = {
       {"", "Differential & Differential Equation", "微分・微分方程式"}, {"Command1", "1 Grade", "1階"},
       {"Frame6", "Init Val(1)", "初期値(1階)"}, {"Option2", "Diff Equation", "微分方程式"},
       {"Check1", "RungeKutta", "ﾙﾝｹﾞｸｯﾀ法"}};
@@ -192,17 +186,7 @@ TEST_F(DiffWindowTest, CaptionsInBothLanguages) {
     start();
     DiffWindow* w = open("x");
     ASSERT_NE(w, nullptr);
-    for (const Caption& c : captions) {
-      QString shown;
-      if (!*c.control) {
-        shown = w->windowTitle();
-      } else if (auto* frame = w->findChild<QGroupBox*>(c.control)) {
-        shown = frame->title();
-      } else if (auto* button = w->findChild<QAbstractButton*>(c.control)) {
-        shown = button->text();
-      }
-      EXPECT_EQ(shown, QString::fromUtf8(japanese ? c.japanese : c.english)) << c.control;
-    }
+    ExpectCaptions(w, captions, japanese);
   }
 }
 

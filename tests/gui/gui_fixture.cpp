@@ -1,10 +1,28 @@
 // The fixture's program answers input boxes from replies_ and records faults instead of showing them.
 #include "gui_fixture.h"
 
+#include <QGroupBox>
 #include <fstream>
 #include <sstream>
 
 namespace merida::test {
+
+QString CaptionOf(QWidget* window, const char* control) {
+  if (!*control) return window->windowTitle();
+  QWidget* w = window->findChild<QWidget*>(QString::fromLatin1(control));
+  if (auto* frame = qobject_cast<QGroupBox*>(w)) return frame->title();
+  if (auto* button = qobject_cast<QAbstractButton*>(w)) return button->text();
+  if (auto* label = qobject_cast<QLabel*>(w)) return label->text();
+  return QStringLiteral("<no caption %1>").arg(QString::fromLatin1(control));
+}
+
+void ExpectCaptions(QWidget* window, const std::vector<Caption>& table, bool japanese) {
+  ASSERT_NE(window, nullptr);
+  for (const Caption& c : table) {
+    EXPECT_EQ(CaptionOf(window, c.control), QString::fromUtf8(japanese ? c.japanese : c.english))
+        << window->objectName().toStdString() << " " << c.control;
+  }
+}
 
 void GuiTest::TearDown() {
   app_.reset();

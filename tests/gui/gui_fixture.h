@@ -72,6 +72,16 @@ class GuiTest : public TempDirTest {
   std::vector<std::string> faults_;   // fault boxes shown
 };
 
+// A control's caption in each language; control "" names the window itself.
+struct Caption {
+  const char* control;
+  const char* english;
+  const char* japanese;
+};
+// The window's title, or the control's title, text or label text.
+QString CaptionOf(QWidget* window, const char* control);
+void ExpectCaptions(QWidget* window, const std::vector<Caption>& table, bool japanese);
+
 // Handles the next modal dialog of type D once it is on screen: `handle` reads it and closes it.
 template <class D>
 void OnNextModal(std::function<void(D*)> handle) {

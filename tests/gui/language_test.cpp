@@ -1,17 +1,8 @@
 // The display language: read from MERIDA.DEF at start, captions of every window of the main group.
-#include <QGroupBox>
-
 #include "gui_fixture.h"
 
 namespace merida::test {
 namespace {
-
-// control -> {English, Japanese}; "" names the window itself.
-struct Caption {
-  const char* control;
-  const char* english;
-  const char* japanese;
-};
 
 const std::vector<Caption> kMainCaptions = {
     {"", "MERIDA", "メリダ電卓"}, {"Frame2", "Answer", "答"},      {"Command1", "Calc", "計算"},
@@ -24,23 +15,6 @@ const std::vector<Caption> kHelpCaptions = {
 
 const std::vector<Caption> kErrorCaptions = {{"", "Error Message", "エラーメッセージ"},
                                              {"Command1", "OK", "OK"}};
-
-QString CaptionOf(QWidget* window, const char* control) {
-  if (!*control) return window->windowTitle();
-  QWidget* w = window->findChild<QWidget*>(QString::fromLatin1(control));
-  if (!w) return QStringLiteral("<missing %1>").arg(QString::fromLatin1(control));
-  if (auto* frame = qobject_cast<QGroupBox*>(w)) return frame->title();
-  if (auto* button = qobject_cast<QAbstractButton*>(w)) return button->text();
-  return QStringLiteral("<no caption>");
-}
-
-void ExpectCaptions(QWidget* window, const std::vector<Caption>& table, bool japanese) {
-  ASSERT_NE(window, nullptr);
-  for (const Caption& c : table) {
-    EXPECT_EQ(CaptionOf(window, c.control).toStdString(), japanese ? c.japanese : c.english)
-        << window->objectName().toStdString() << " " << c.control;
-  }
-}
 
 struct SettingsCase {
   const char* file;  // contents of MERIDA.DEF, nullptr for none

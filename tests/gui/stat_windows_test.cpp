@@ -46,8 +46,6 @@ TEST_F(StatWindowsTest, StatusFollowsTheKindOnOpeningAndAfterMemory) {
   const Case cases[] = {
       {NoData, "ﾃﾞｰﾀが記録関数に読み込まれていません", "", ""},
       {WaveData, "WAVE形式のﾃﾞｰﾀです", "1", "7"},
-      {MeridaTextData, "PALOMA形式のﾃﾞｰﾀです", "1", "7"},
-      {OrbitaData, "ORBITA形式のﾃﾞｰﾀです", "1", "7"},
       {ComputedData, "ﾃﾞｰﾀの形式が違います", "", ""},
   };
   start();

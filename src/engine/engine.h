@@ -87,6 +87,8 @@ struct SavedProgram {
 };
 
 struct CompiledCode;  // the evaluator's flat form of a program
+struct LeanInstr;     // a step of its lean form
+using RegisterRunner = double (*)(const LeanInstr* steps, const double* reg);
 
 class Engine {
  public:
@@ -254,6 +256,10 @@ class Engine {
   uint64_t leanIdentity_ = ~uint64_t{0};
   bool leanCode_ = true;
   int16_t leanN_ = 0;
+  // Of the code at depth 0 while leanIdentity_ names it: read once per point, not through it.
+  bool leanRounded_ = false;
+  RegisterRunner leanRun_ = nullptr;
+  const LeanInstr* leanSteps_ = nullptr;
   bool boundCells_ = true;
   bool muted_ = false;  // trial compilations show no messages
   // What a word followed by "(" that names no function is: a syntax error in a new formula,

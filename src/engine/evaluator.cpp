@@ -203,6 +203,7 @@ struct Evaluator {
                  : std::vector<LeanInstr>{};
     c.usesRounded = c.usesRounded || rounded;
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
+    c.runRegisters = RegisterRunnerFor(c.lean);
     c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(), [](const LeanInstr& in) {
       return in.op == LeanOp::kCall || in.op == LeanOp::kSetParam || in.op == LeanOp::kParamTerm ||
              in.op == LeanOp::kParamTermEnd;
@@ -420,10 +421,9 @@ struct Evaluator {
   }
 
   double CallLean(const CompiledCode& body, double* args) {
-    if (body.termsOnly) {
-      bool overflow;
-      const double r = RunTerms(body.lean.data(), args, overflow);
-      return overflow ? Bail() : r;
+    if (body.runRegisters) {
+      const double r = body.runRegisters(body.lean.data(), args);
+      return std::isfinite(r) ? r : Bail();
     }
     return RunLean(body, args, true);
   }
@@ -677,12 +677,10 @@ double Engine::EvaluateProgram(int16_t n) {
 double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
-  const CompiledCode& c = *code_[0];
-  const double reg[2] = {x, c.usesRounded ? Round15(x) : 0};
-  if (c.termsOnly) {
-    bool overflow;
-    double y = RunTerms(c.lean.data(), reg, overflow);
-    if (!overflow) [[likely]] return y;
+  const double reg[2] = {x, leanRounded_ ? Round15(x) : 0};
+  if (leanRun_) {
+    const double y = leanRun_(leanSteps_, reg);
+    if (std::isfinite(y)) [[likely]] return y;
   }
   return EvaluateLeanStack(reg[0], reg[1]);
 }
@@ -727,12 +725,15 @@ double Engine::EvaluateBound(CompiledCode& c, const SavedProgram& saved, const i
   reg[1] = c.usesRounded ? Round15(x) : 0;
   for (int k = 0; k < c.boundCount; ++k) reg[kFirstBoundRegister + k] = values[k];
   double r = 0;
-  bool overflow = true;
+  bool failed = true;
   if (c.lean.empty() || x == 0 || (c.leanCalls && evalDepth_ + kMaxLeanNesting >= kMaxCallDepth)) {
     r = Evaluator{*this}.Run(c, nullptr, values);
   } else {
-    if (c.termsOnly) r = RunTerms(c.lean.data(), reg, overflow);
-    if (overflow) r = Evaluator{*this}.RunLeanOrFull(c, reg, values);
+    if (c.runRegisters) {
+      r = c.runRegisters(c.lean.data(), reg);
+      failed = !std::isfinite(r);
+    }
+    if (failed) r = Evaluator{*this}.RunLeanOrFull(c, reg, values);
   }
   --busyDepth_;
   --evalDepth_;
@@ -762,6 +763,9 @@ double Engine::EvaluateAtSlow(const SavedProgram& saved, double x) {
       code_[0]->identity == saved.program.identity_ && code_[0]->n == n && Program.identity_ == saved.program.identity_) {
     leanIdentity_ = saved.program.identity_;
     leanN_ = n;
+    leanRounded_ = code_[0]->usesRounded;
+    leanRun_ = code_[0]->runRegisters;
+    leanSteps_ = code_[0]->lean.data();
   }
   return r;
 }

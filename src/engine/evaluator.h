@@ -101,7 +101,8 @@ struct CompiledCode {
   bool usesRounded = false;     // register 1 is needed
   std::vector<Instr> code;
   std::vector<LeanInstr> lean;  // empty unless the whole code has a lean form
-  bool termsOnly = false;       // lean code that needs no stack and calls nothing
+  bool termsOnly = false;       // lean code that is one running value (copied into callers)
+  RegisterRunner runRegisters = nullptr;  // RegisterRunnerFor(lean)
   bool leanCalls = false;       // lean code that calls bodies
   bool leanAllowed = true;      // the engine's lean switch when this was built
   int16_t boundCount = 0;       // bound registers the code reads
@@ -153,9 +154,13 @@ using LeanCallee = std::function<const CompiledCode*(int slot)>;
 // The lean form of tool-mode code, or nothing when a step needs the full machine. Sets
 // `usesRounded` when a copied body reads x back.
 std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee& callee, bool& usesRounded);
-// True when lean code is one running value that needs no stack (see RunTerms).
+// True when lean code is one running value combined with terms and constants.
 bool IsTermsOnly(const std::vector<LeanInstr>& lean);
-// Runs terms-only lean code; `overflow` when the value is not finite.
-double RunTerms(const LeanInstr* p, const double* reg, bool& overflow);
+// Stack values a register run keeps at most.
+constexpr int kRegisterDepth = 4;
+// The runner that keeps lean code's values in registers, or null when the code calls bodies
+// or holds too many values (it runs on the stack in memory). Its result is not finite when a
+// step would fail or overflowed: the stack form then runs the point and reports why.
+RegisterRunner RegisterRunnerFor(const std::vector<LeanInstr>& lean);
 
 }  // namespace merida

@@ -1,5 +1,7 @@
 // The lean form of tool code: built from the flat code, and its terms-only runner.
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "engine/evaluator.h"
@@ -171,7 +173,7 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee
 }
 
 // True when lean code is one running value: a first term or constant, then steps that
-// combine it with terms and constants. Such code runs in registers with no stack.
+// combine it with terms and constants. A called body of this form is copied into its caller.
 bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
   LeanOp first = lean[0].op;
   if (first != LeanOp::kPushC && first != LeanOp::kPushReg && first != LeanOp::kPushTerm &&
@@ -191,34 +193,150 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
   return true;
 }
 
-// Terms-only lean code: a leaf loop whose running value never leaves a register. Nothing in
-// it can fail before the end, where non-finite means an overflow somewhere on the way.
-double RunTerms(const LeanInstr* p, const double* reg, bool& overflow) {
-  auto term = [reg](const LeanInstr& q) { return Term(reg[q.reg], q.k, q.c); };
-  double top = p->op == LeanOp::kPushC          ? p->c
-               : p->op == LeanOp::kPushReg      ? reg[p->reg]
-               : p->op == LeanOp::kPushTerm     ? term(*p)
-               : p->op == LeanOp::kPushTermAddC ? term(*p) + p->d
-                                                : 0.0 - term(*p);
-  // Threaded like the stack form; every other step ends the terms.
-  static const void* const kJump[] = {&&T_end, &&T_end, &&T_end, &&T_end, &&T_kAddTerm, &&T_kSubTerm, &&T_kMulTerm, &&T_end, &&T_kAddC, &&T_kSubC, &&T_kMulC, &&T_kDivC, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kPowInt, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_end, &&T_kRevSubC, &&T_end, &&T_end, &&T_end};
-  static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
-#define NEXT goto* kJump[static_cast<int>((++p)->op)]
-  NEXT;
-T_kAddTerm: top = top + term(*p); NEXT;
-T_kSubTerm: top = top - term(*p); NEXT;
-T_kMulTerm: top = top * term(*p); NEXT;
-T_kAddC: top = top + p->c; NEXT;
-T_kSubC: top = top - p->c; NEXT;
-T_kMulC: top = top * p->c; NEXT;
-T_kDivC: top = top / p->c; NEXT;
-T_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
-T_kRevSubC: top = p->c - top; NEXT;
-#undef NEXT
-T_end:
-  overflow = !std::isfinite(top);
-  return top;
+namespace {
+
+// The values lean code runs in registers with (2 or kRegisterDepth), or 0 when it calls
+// bodies or must hold more (it runs on a stack in memory).
+int RegisterDepth(const std::vector<LeanInstr>& lean) {
+  int depth = 0, deepest = 0;
+  bool functions = false;
+  for (const LeanInstr& in : lean) {
+    switch (in.op) {
+      case LeanOp::kPushC: case LeanOp::kPushReg: case LeanOp::kPushTerm: case LeanOp::kPushNegTerm:
+      case LeanOp::kPushTermAddC:
+        deepest = std::max(deepest, ++depth);
+        break;
+      case LeanOp::kAdd: case LeanOp::kSub: case LeanOp::kMul: case LeanOp::kDiv:
+        if (--depth < 1) return 0;
+        break;
+      case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kDivReg:
+      case LeanOp::kAddC: case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt:
+      case LeanOp::kRevSubC: case LeanOp::kRevDivC: case LeanOp::kAbs:
+        if (depth < 1) return 0;
+        break;
+      case LeanOp::kSin: case LeanOp::kCos: case LeanOp::kAtan: case LeanOp::kTan: case LeanOp::kExp:
+      case LeanOp::kSqr: case LeanOp::kLn: case LeanOp::kSinh: case LeanOp::kCosh: case LeanOp::kTanh:
+      case LeanOp::kLog:
+        if (depth < 1) return 0;
+        functions = true;
+        break;
+      case LeanOp::kEnd:
+        if (depth != 1) return 0;
+        // Every held value is saved around a library call: with more than one below the
+        // top, the stack form (whose values stay in memory) is the faster.
+        if (deepest <= 2) return 2;
+        return deepest <= kRegisterDepth && !functions ? kRegisterDepth : 0;
+      default:
+        return 0;
+    }
+  }
+  return 0;
 }
 
+// The stack's top values live in up to four variables, so the whole run stays in registers. It
+// computes what the stack form computes, step for step. At the first step that would fail
+// it gives up with a NaN, and the caller, seeing a value that is not finite, runs the stack
+// form, which reports what failed in its order.
+template <int Depth>
+double RunInRegisters(const LeanInstr* p, const double* reg) {
+  static_assert(Depth == 2 || Depth == 4);
+  auto term = [reg](const LeanInstr& q) { return Term(reg[q.reg], q.k, q.c); };
+  double top = 0, s1 = 0, s2 = 0, s3 = 0;
+  auto push = [&](double v) {
+    if constexpr (Depth == 4) {
+      s3 = s2;
+      s2 = s1;
+    }
+    s1 = top;
+    top = v;
+  };
+  auto pop = [&] {
+    const double below = s1;
+    if constexpr (Depth == 4) {
+      s1 = s2;
+      s2 = s3;
+    }
+    return below;
+  };
+  auto usable = [](double v) { return std::isfinite(v); };
+  static const void* const kJump[] = {&&R_kPushC, &&R_kPushReg, &&R_kPushTerm, &&R_kPushNegTerm, &&R_kAddTerm,
+      &&R_kSubTerm, &&R_kMulTerm, &&R_kDivReg, &&R_kAddC, &&R_kSubC, &&R_kMulC, &&R_kDivC, &&R_kAdd, &&R_kSub,
+      &&R_kMul, &&R_kDiv, &&R_kPowInt, &&R_kSin, &&R_kCos, &&R_kAtan, &&R_kAbs, &&R_kTan, &&R_kExp, &&R_kSqr,
+      &&R_kLn, &&R_kSinh, &&R_kCosh, &&R_kTanh, &&R_kLog, &&R_fail, &&R_fail, &&R_fail, &&R_fail, &&R_fail,
+      &&R_fail, &&R_fail, &&R_kPushTermAddC, &&R_kRevSubC, &&R_kRevDivC, &&R_fail, &&R_end};
+  static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
+#define NEXT goto* kJump[static_cast<int>((++p)->op)]
+  goto* kJump[static_cast<int>(p->op)];
+R_kPushC: push(p->c); NEXT;
+R_kPushReg: push(reg[p->reg]); NEXT;
+R_kPushTerm: push(term(*p)); NEXT;
+R_kPushNegTerm: push(0.0 - term(*p)); NEXT;
+R_kPushTermAddC: push(term(*p) + p->d); NEXT;
+R_kAddTerm: top = top + term(*p); NEXT;
+R_kSubTerm: top = top - term(*p); NEXT;
+R_kMulTerm: top = top * term(*p); NEXT;
+R_kDivReg:
+  if (reg[p->reg] == 0 || !usable(reg[p->reg])) goto R_fail;
+  top = top / reg[p->reg];
+  NEXT;
+R_kAddC: top = top + p->c; NEXT;
+R_kSubC: top = top - p->c; NEXT;
+R_kMulC: top = top * p->c; NEXT;
+R_kDivC: top = top / p->c; NEXT;
+R_kRevSubC: top = p->c - top; NEXT;
+R_kRevDivC:
+  if (!usable(top) || top == 0) goto R_fail;  // c/inf would hide an overflow
+  top = p->c / top;
+  NEXT;
+R_kAdd: { const double a = pop(); top = a + top; NEXT; }
+R_kSub: { const double a = pop(); top = a - top; NEXT; }
+R_kMul: { const double a = pop(); top = a * top; NEXT; }
+R_kDiv: {
+  if (!usable(top) || top == 0) goto R_fail;
+  const double a = pop();
+  top = a / top;
+  NEXT;
+}
+R_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
+#define MERIDA_UNARY(name, guard, expr) \
+  R_##name:                            \
+    if (!usable(top) || (guard)) goto R_fail; \
+    top = expr;                        \
+    NEXT;
+MERIDA_UNARY(kSin, false, std::sin(top))
+MERIDA_UNARY(kCos, false, std::cos(top))
+MERIDA_UNARY(kAtan, false, std::atan(top))
+MERIDA_UNARY(kAbs, false, std::fabs(top))
+MERIDA_UNARY(kTan, false, std::tan(top))
+MERIDA_UNARY(kExp, false, std::exp(top))
+MERIDA_UNARY(kSinh, false, (std::exp(top) - std::exp(-top)) / 2)
+MERIDA_UNARY(kCosh, false, (std::exp(top) + std::exp(-top)) / 2)
+R_kTanh: {
+  if (!usable(top)) goto R_fail;
+  const double p2 = std::exp(top), q2 = std::exp(-top);
+  top = (p2 - q2) / (p2 + q2);
+  NEXT;
+}
+MERIDA_UNARY(kLog, top <= 0, std::log(top) / std::log(10.0))
+MERIDA_UNARY(kSqr, top < 0, std::sqrt(top))
+MERIDA_UNARY(kLn, top <= 0, std::log(top))
+#undef MERIDA_UNARY
+#undef NEXT
+R_end:
+  return top;
+R_fail:
+  return std::numeric_limits<double>::quiet_NaN();
+}
+
+}  // namespace
+
+RegisterRunner RegisterRunnerFor(const std::vector<LeanInstr>& lean) {
+  if (lean.empty()) return nullptr;
+  switch (RegisterDepth(lean)) {
+    case 2: return &RunInRegisters<2>;
+    case kRegisterDepth: return &RunInRegisters<kRegisterDepth>;
+    default: return nullptr;
+  }
+}
 
 }  // namespace merida

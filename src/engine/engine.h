@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/host.h"
+#include "engine/number_text.h"
 
 namespace merida {
 
@@ -260,6 +261,7 @@ class Engine {
   bool leanRounded_ = false;
   RegisterRunner leanRun_ = nullptr;
   const LeanInstr* leanSteps_ = nullptr;
+  detail::Round15Guess xGuess_;  // consecutive points mostly keep to one binade
   bool boundCells_ = true;
   bool muted_ = false;  // trial compilations show no messages
   // What a word followed by "(" that names no function is: a syntax error in a new formula,

@@ -384,7 +384,7 @@ struct Evaluator {
           NEXT;
         }
         L_kSetParam:
-          reg[p->reg] = Round15(top);
+          reg[p->reg] = Round15(top, p->guess);
           if (!std::isfinite(reg[p->reg])) [[unlikely]] return Bail();
           top = *sp--;
           NEXT;
@@ -392,14 +392,14 @@ struct Evaluator {
           if (!std::isfinite(top)) [[unlikely]] return Bail();
           NEXT;
         L_kParamTerm: {
-          const double v = Round15(top);
+          const double v = Round15(top, p->guess);
           if (!std::isfinite(v)) [[unlikely]] return Bail();
           reg[p->reg] = v;
           top = Term(v, p->k, p->c);
           NEXT;
         }
         L_kParamTermEnd: {
-          const double v = Round15(top);
+          const double v = Round15(top, p->guess);
           if (!std::isfinite(v)) [[unlikely]] return Bail();
           reg[p->reg] = v;
           top = Term(v, p->k, p->c);
@@ -677,7 +677,7 @@ double Engine::EvaluateProgram(int16_t n) {
 double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
-  const double reg[2] = {x, leanRounded_ ? Round15(x) : 0};
+  const double reg[2] = {x, leanRounded_ ? Round15(x, xGuess_) : 0};
   if (leanRun_) {
     const double y = leanRun_(leanSteps_, reg);
     if (std::isfinite(y)) [[likely]] return y;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "engine/number_text.h"
+
 #include "engine/builtins.h"
 #include "engine/engine.h"
 
@@ -75,6 +77,7 @@ struct LeanInstr {
   Builtin fn = Builtin::kNone;
   const CompiledCode* callee = nullptr;
   double d = 0;
+  mutable detail::Round15Guess guess{};  // of a step that reads a value back
 };
 
 struct VariableSlot {

@@ -204,6 +204,15 @@ constexpr Round15ScaleTable MakeScaleTable() {
 }
 constexpr Round15ScaleTable kRound15Table = MakeScaleTable();
 
+double Round15Learn(double v, Round15Guess& guess) {
+  const uint64_t binade = (std::bit_cast<uint64_t>(v) >> 52) & 0x7FF;
+  // The first and last binades hold values outside the table's range: never remembered.
+  if (binade > kRound15FirstBiased && binade < kRound15FirstBiased + kRound15Scales - 1) {
+    guess = {binade, kRound15Table.v[binade - kRound15FirstBiased]};
+  }
+  return Round15(v);
+}
+
 double Round15Tie(double a, double t, double whole, double frac, int places) {
   double err = ProductError(a, t, places);
   if (frac > 0 && err > 0) return whole + 1;

@@ -54,15 +54,9 @@ double Round15Slow(double v);
 bool Round15Wide(double v, double& out);
 }  // namespace detail
 
-// The value a number takes after being written in plain form and read back (15 digits).
-// Inline and short in latency because tool windows read x back this way at every point.
-inline double Round15(double v) {
-  // Positive doubles order as their bits: one comparison tests 1e-7 <= |v| < 1e15.
-  constexpr uint64_t kLow = std::bit_cast<uint64_t>(1e-7), kHigh = std::bit_cast<uint64_t>(1e15);
-  const uint64_t bits = std::bit_cast<uint64_t>(v) & ~(uint64_t{1} << 63);
-  if (bits - kLow >= kHigh - kLow) [[unlikely]] return detail::Round15Rare(v);
-  const double a = std::bit_cast<double>(bits);
-  const detail::Round15Scale& s = detail::kRound15Table.v[(bits >> 52) - detail::kRound15FirstBiased];
+namespace detail {
+// The read-back of v (|v| = a) in the binade whose scales are s.
+[[gnu::always_inline]] inline double Round15Scaled(double v, double a, const Round15Scale& s) {
   // Both scalings start at once; the decade comparison only picks one.
   const double tBelow = a * s.below, tAbove = a * s.above;
   const bool above = a >= s.next;
@@ -74,9 +68,38 @@ inline double Round15(double v) {
   double whole = (t + kTwo52) - kTwo52;  // halves to even
   const double frac = t - whole;
   if (std::fabs(frac) == 0.5) [[unlikely]] {
-    whole = detail::Round15Tie(a, t, whole, frac, above ? s.placesAbove : s.placesBelow);
+    whole = Round15Tie(a, t, whole, frac, above ? s.placesAbove : s.placesBelow);
   }
   return std::copysign(whole / p, v);
+}
+
+// The scales of the binade a read-back site last met (binade 0: none yet).
+struct Round15Guess {
+  uint64_t binade = 0;
+  Round15Scale scale{};
+};
+// Reads v back and, when its binade is inside the table, remembers that binade's scales.
+double Round15Learn(double v, Round15Guess& guess);
+}  // namespace detail
+
+// The value a number takes after being written in plain form and read back (15 digits).
+// Inline and short in latency because tool windows read x back this way at every point.
+inline double Round15(double v) {
+  // Positive doubles order as their bits: one comparison tests 1e-7 <= |v| < 1e15.
+  constexpr uint64_t kLow = std::bit_cast<uint64_t>(1e-7), kHigh = std::bit_cast<uint64_t>(1e15);
+  const uint64_t bits = std::bit_cast<uint64_t>(v) & ~(uint64_t{1} << 63);
+  if (bits - kLow >= kHigh - kLow) [[unlikely]] return detail::Round15Rare(v);
+  return detail::Round15Scaled(v, std::bit_cast<double>(bits),
+                               detail::kRound15Table.v[(bits >> 52) - detail::kRound15FirstBiased]);
+}
+
+// The same read-back at a site whose values mostly keep to one binade (a sweep of x, one call
+// in a chain): the scaling starts from the remembered scales at once instead of waiting for
+// the table, and a predicted branch checks that the binade is still the same.
+inline double Round15(double v, detail::Round15Guess& guess) {
+  const uint64_t binade = (std::bit_cast<uint64_t>(v) >> 52) & 0x7FF;
+  if (binade != guess.binade) [[unlikely]] return detail::Round15Learn(v, guess);
+  return detail::Round15Scaled(v, std::fabs(v), guess.scale);
 }
 
 // A value rounded to the nearest integer, halves to even, if it fits 16 bits.

@@ -90,11 +90,26 @@ TEST(NumberText, Round15MatchesTextRoundTrip) {
   std::mt19937_64 rng(12345);
   std::uniform_real_distribution<double> mantissa(1, 10);
   std::uniform_int_distribution<int> exponent(-12, 40);
+  // A site's remembered binade: every value either takes it or teaches a new one.
+  detail::Round15Guess guess;
   for (int i = 0; i < 300000; ++i) {
     double v = mantissa(rng) * std::pow(10.0, exponent(rng));
     if (i % 2) v = -v;
     ASSERT_EQ(Round15(v), slow(v)) << std::hexfloat << v;
+    ASSERT_EQ(Round15(v, guess), slow(v)) << std::hexfloat << v;
   }
+  // Sweeps that keep to a binade for many points, as tools' x and a chain's values do, across
+  // every magnitude and both signs, through zero and the ends of the table.
+  for (double start : {1e-320, 1e-200, 3e-8, 0.999, -0.5, 7.0, 9e14, 4e15, 1e200, -1e300}) {
+    double v = start;
+    for (int i = 0; i < 20000; ++i, v *= 1.0007) {
+      ASSERT_EQ(Round15(v, guess), slow(v)) << std::hexfloat << v;
+    }
+  }
+  for (double v : {0.0, -0.0, 1.0, std::numeric_limits<double>::infinity(), 1.0}) {
+    ASSERT_EQ(std::bit_cast<uint64_t>(Round15(v, guess)), std::bit_cast<uint64_t>(Round15(v))) << v;
+  }
+  EXPECT_TRUE(std::isnan(Round15(std::nan(""), guess)));
   // Values whose 16th digit sits exactly on a half, and neighbours of powers of ten.
   const double special[] = {100000000000000.5, 100000000000001.5, 0.1, 0.3, 1e15, 1e-7,
                             std::nextafter(1e15, 0.0), std::nextafter(1e-5, 1.0), std::nextafter(1e-5, 0.0),
@@ -109,6 +124,7 @@ TEST(NumberText, Round15MatchesTextRoundTrip) {
     for (double w : {v, std::nextafter(v, 0.0), std::nextafter(v, 1e300)}) {
       ASSERT_EQ(Round15(w), slow(w)) << std::hexfloat << w;
       ASSERT_EQ(Round15(-w), slow(-w)) << std::hexfloat << w;
+      ASSERT_EQ(Round15(w, guess), slow(w)) << std::hexfloat << w;
     }
   }
 }

@@ -89,7 +89,7 @@ struct SavedProgram {
 
 struct CompiledCode;  // the evaluator's flat form of a program
 struct LeanInstr;     // a step of its lean form
-using RegisterRunner = double (*)(const LeanInstr* steps, const double* reg);
+using RegisterRunner = double (*)(const LeanInstr* steps, double* reg);
 
 class Engine {
  public:
@@ -171,6 +171,8 @@ class Engine {
   void setLeanCode(bool on);
   // True when the program at depth 0 has a lean form (tests check that cases reach it).
   bool hasLeanCode() const;
+  // True when that lean form keeps its values in registers (the fastest way a point runs).
+  bool runsInRegisters() const;
 
   // One point of a tool run that puts numbers into cells of `saved` at every point: cell i
   // (1..saved.n) loads values[cellRegister[i]] when that is >= 0. `code` is the caller's,

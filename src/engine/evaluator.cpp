@@ -677,7 +677,9 @@ double Engine::EvaluateProgram(int16_t n) {
 double Engine::EvaluateLean(double x) {
   ErrorFlag = 0;
   XValue = x;
-  const double reg[2] = {x, leanRounded_ ? Round15(x, xGuess_) : 0};
+  double reg[kLeanRegisterCount];
+  reg[0] = x;
+  reg[1] = leanRounded_ ? Round15(x, xGuess_) : 0;
   if (leanRun_) {
     const double y = leanRun_(leanSteps_, reg);
     if (std::isfinite(y)) [[likely]] return y;
@@ -810,6 +812,8 @@ void Engine::setLeanCode(bool on) {
 }
 
 bool Engine::hasLeanCode() const { return leanCode_ && !code_.empty() && !code_[0]->lean.empty(); }
+
+bool Engine::runsInRegisters() const { return hasLeanCode() && code_[0]->runRegisters != nullptr; }
 
 void Engine::InvalidateCallCache() {
   ++functionsVersion_;

@@ -162,7 +162,8 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean);
 // Stack values a register run keeps at most.
 constexpr int kRegisterDepth = 4;
 // The runner that keeps lean code's values in registers, or null when the code calls bodies
-// or holds too many values (it runs on the stack in memory). Its result is not finite when a
+// it has not copied in or holds too many values (it runs on the stack in memory). It writes
+// copied bodies' parameters into `reg`, which holds kLeanRegisterCount values. Its result is not finite when a
 // step would fail or overflowed: the stack form then runs the point and reports why.
 RegisterRunner RegisterRunnerFor(const std::vector<LeanInstr>& lean);
 

@@ -209,6 +209,12 @@ int RegisterDepth(const std::vector<LeanInstr>& lean) {
       case LeanOp::kAdd: case LeanOp::kSub: case LeanOp::kMul: case LeanOp::kDiv:
         if (--depth < 1) return 0;
         break;
+      case LeanOp::kSetParam:  // the argument leaves the stack for a register
+        if (--depth < 0) return 0;
+        break;
+      case LeanOp::kParamTerm: case LeanOp::kParamTermEnd: case LeanOp::kBodyEnd:
+        if (depth < 1) return 0;
+        break;
       case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kDivReg:
       case LeanOp::kAddC: case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt:
       case LeanOp::kRevSubC: case LeanOp::kRevDivC: case LeanOp::kAbs:
@@ -237,8 +243,10 @@ int RegisterDepth(const std::vector<LeanInstr>& lean) {
 // computes what the stack form computes, step for step. At the first step that would fail
 // it gives up with a NaN, and the caller, seeing a value that is not finite, runs the stack
 // form, which reports what failed in its order.
-template <int Depth>
-double RunInRegisters(const LeanInstr* p, const double* reg) {
+// Code without copied bodies gets a runner without their read-backs (and the calls those may
+// make), which keeps its prologue and registers lean.
+template <int Depth, bool Bodies>
+double RunInRegisters(const LeanInstr* p, double* reg) {
   static_assert(Depth == 2 || Depth == 4);
   auto term = [reg](const LeanInstr& q) { return Term(reg[q.reg], q.k, q.c); };
   double top = 0, s1 = 0, s2 = 0, s3 = 0;
@@ -262,8 +270,8 @@ double RunInRegisters(const LeanInstr* p, const double* reg) {
   static const void* const kJump[] = {&&R_kPushC, &&R_kPushReg, &&R_kPushTerm, &&R_kPushNegTerm, &&R_kAddTerm,
       &&R_kSubTerm, &&R_kMulTerm, &&R_kDivReg, &&R_kAddC, &&R_kSubC, &&R_kMulC, &&R_kDivC, &&R_kAdd, &&R_kSub,
       &&R_kMul, &&R_kDiv, &&R_kPowInt, &&R_kSin, &&R_kCos, &&R_kAtan, &&R_kAbs, &&R_kTan, &&R_kExp, &&R_kSqr,
-      &&R_kLn, &&R_kSinh, &&R_kCosh, &&R_kTanh, &&R_kLog, &&R_fail, &&R_fail, &&R_fail, &&R_fail, &&R_fail,
-      &&R_fail, &&R_fail, &&R_kPushTermAddC, &&R_kRevSubC, &&R_kRevDivC, &&R_fail, &&R_end};
+      &&R_kLn, &&R_kSinh, &&R_kCosh, &&R_kTanh, &&R_kLog, &&R_fail, &&R_fail, &&R_fail, &&R_fail, &&R_kSetParam,
+      &&R_kBodyEnd, &&R_kParamTerm, &&R_kPushTermAddC, &&R_kRevSubC, &&R_kRevDivC, &&R_kParamTermEnd, &&R_end};
   static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
 #define NEXT goto* kJump[static_cast<int>((++p)->op)]
   goto* kJump[static_cast<int>(p->op)];
@@ -298,6 +306,25 @@ R_kDiv: {
   NEXT;
 }
 R_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
+// A copied body: its parameter read back into a register, its steps, its end.
+R_kSetParam: {
+  if constexpr (!Bodies) goto R_fail;
+  const double v = Round15(top, p->guess);
+  if (!usable(v)) goto R_fail;
+  reg[p->reg] = v;
+  top = pop();
+  NEXT;
+}
+// A body's overflow needs no check of its own here: every step that could hide it checks.
+R_kBodyEnd: NEXT;
+R_kParamTerm: R_kParamTermEnd: {
+  if constexpr (!Bodies) goto R_fail;
+  const double v = Round15(top, p->guess);
+  if (!usable(v)) goto R_fail;
+  reg[p->reg] = v;
+  top = Term(v, p->k, p->c);
+  NEXT;
+}
 #define MERIDA_UNARY(name, guard, expr) \
   R_##name:                            \
     if (!usable(top) || (guard)) goto R_fail; \
@@ -332,9 +359,12 @@ R_fail:
 
 RegisterRunner RegisterRunnerFor(const std::vector<LeanInstr>& lean) {
   if (lean.empty()) return nullptr;
+  const bool bodies = std::any_of(lean.begin(), lean.end(), [](const LeanInstr& in) {
+    return in.op == LeanOp::kSetParam || in.op == LeanOp::kParamTerm || in.op == LeanOp::kParamTermEnd;
+  });
   switch (RegisterDepth(lean)) {
-    case 2: return &RunInRegisters<2>;
-    case kRegisterDepth: return &RunInRegisters<kRegisterDepth>;
+    case 2: return bodies ? &RunInRegisters<2, true> : &RunInRegisters<2, false>;
+    case kRegisterDepth: return bodies ? &RunInRegisters<kRegisterDepth, true> : &RunInRegisters<kRegisterDepth, false>;
     default: return nullptr;
   }
 }

@@ -208,7 +208,10 @@ double Round15Learn(double v, Round15Guess& guess) {
   const uint64_t binade = (std::bit_cast<uint64_t>(v) >> 52) & 0x7FF;
   // The first and last binades hold values outside the table's range: never remembered.
   if (binade > kRound15FirstBiased && binade < kRound15FirstBiased + kRound15Scales - 1) {
-    guess = {binade, kRound15Table.v[binade - kRound15FirstBiased]};
+    guess = {binade, kRound15Table.v[binade - kRound15FirstBiased], nullptr};
+  } else if (const FusedBinade* fused = FusedBinadeOf(binade); fused && FusedReadBackAvailable()) {
+    guess = {binade, {}, fused};
+    return Round15Fused(v, *fused);
   }
   return Round15(v);
 }

@@ -73,10 +73,29 @@ namespace detail {
   return std::copysign(whole / p, v);
 }
 
-// The scales of the binade a read-back site last met (binade 0: none yet).
+// A decade's scale 10^s as h + l (to about 2^-106) and its reciprocal g, rounded.
+struct FusedDecade {
+  double h, l, g;
+};
+// A binade outside the table: the power of ten that starts its next decade (infinity when
+// none does), and the scale of its lowest decade (the next decade's is the entry before).
+struct FusedBinade {
+  double next;
+  const FusedDecade* below;
+};
+// The binade's entry, or null outside about 1e-280..1e289.
+const FusedBinade* FusedBinadeOf(uint64_t binade);
+// True when the processor has a fused multiply-add, which Round15Fused needs.
+bool FusedReadBackAvailable();
+// The read-back of a value in binade b.
+double Round15Fused(double v, const FusedBinade& b);
+
+// The scales of the binade a read-back site last met (binade 0: none yet), from the table or,
+// outside it, for the fused read-back.
 struct Round15Guess {
   uint64_t binade = 0;
   Round15Scale scale{};
+  const FusedBinade* fused = nullptr;
 };
 // Reads v back and, when its binade is inside the table, remembers that binade's scales.
 double Round15Learn(double v, Round15Guess& guess);
@@ -99,6 +118,7 @@ inline double Round15(double v) {
 inline double Round15(double v, detail::Round15Guess& guess) {
   const uint64_t binade = (std::bit_cast<uint64_t>(v) >> 52) & 0x7FF;
   if (binade != guess.binade) [[unlikely]] return detail::Round15Learn(v, guess);
+  if (guess.fused) return detail::Round15Fused(v, *guess.fused);
   return detail::Round15Scaled(v, std::fabs(v), guess.scale);
 }
 

@@ -218,7 +218,7 @@ struct LeanOutcome {
 // domain errors and divisions inside a body, a body that reads x as a free variable.
 const char* const kLeanFunctions[] = {
     "f(x)=x^2", "g(a,b)=a/b-b", "h(t)=f(t)+1/t", "q(u)=sqr(u)*exp(0-u)", "w(v)=ln(v)+v*v", "s(t)=t",
-    "p(t)=3*t^2-t+1", "m(t)=t*t*t", "c(t)=p(m(t))*2",
+    "p(t)=3*t^2-t+1", "m(t)=t*t*t", "c(t)=p(m(t))*2", "k(t)=2-t",
 };
 
 LeanOutcome RunTool(bool lean, const std::string& formula, double x) {
@@ -274,13 +274,32 @@ TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
       "q(x)", "w(x)", "w(0-x)", "f(x)*1e300*1e300-w(0)", "w(0)+f(x)*1e300*1e300", "s(x)", "s(s(x))-x",
       "f(x*1e300)", "1/f(x)", "g(f(x),h(x))+q(f(x))", "x-s(x)", "f(x)^2/s(x)", "p(x)", "m(p(x))-p(m(x))",
       "c(x)", "c(c(x))", "p(x)*m(x)/f(x)", "ln(m(x))+p(0-x)", "x/2", "x/0.25/(0-4)", "x/1e300/1e300/2",
-      "1-(x+2)*3", "2/(x-1)", "1/(x*1e300*1e300)+ln(0)", "cosh(x)*tanh(x)-sinh(x)/log(x)",
+      "1-(x+2)*3", "2/(x-1)", "1/(x*1e300*1e300)+ln(0)", "cosh(x)*tanh(x)-sinh(x)/log(x)", "k(x)*k(k(x))",
+      "1/k(x*1e300*1e300)", "k(x-1e300*1e300)+ln(0)",
   };
   for (const char* f : formulas) ExpectLeanAgrees(f);
   // Calls, divisions by expressions, exp and sqr of expressions and nested parentheses run lean.
   for (const char* f : {"f(f(f(x)))", "g(f(x),h(x))+q(f(x))", "(x+1)*(x-1)/(x^2+1)", "exp(0-x*x/2)*sqr(2*x+1)",
                         "w(x)", "((x+1)*(x-2))/((x-3)*(x+4))"}) {
     EXPECT_TRUE(ExpectLeanAgrees(f)) << f;
+  }
+  // The per-point formulas tool windows are measured by, and call chains, keep their values in
+  // registers; deeper stacks and calls that are not copied in use the stack in memory.
+  const std::pair<const char*, bool> forms[] = {
+      {"x^2+3*x+1", true}, {"sin(x)^2+cos(x)^2", true}, {"(x+1)*(x-1)/(x^2+1)", true},
+      {"exp(0-x*x/2)*sqr(2*x+1)", true}, {"f(f(f(f(f(f(f(f(x))))))))", true}, {"k(k(x))*p(x)", true},
+      {"sin(x)+cos(2*x)+tan(x/40)+exp(0-x/10)+ln(x+1)+sqr(x)+abs(x-5)+sinh(x/9)-cosh(x/9)+atan(x)*tanh(x)+log(x+2)",
+       false},
+      {"(x+1)*((x+2)*((x+3)*((x+4)*(x+5))))", false}, {"g(x,2)", false},
+  };
+  for (const auto& [formula, registers] : forms) {
+    RecordingHost host;
+    Engine e(host);
+    for (const char* f : kLeanFunctions) e.RegisterFormula(f);
+    SavedProgram saved = e.SaveProgram(CompileForTool(e, formula));
+    e.EvaluateAt(saved, 0.75);
+    EXPECT_TRUE(e.hasLeanCode()) << formula;
+    EXPECT_EQ(e.runsInRegisters(), registers) << formula;
   }
   // The cases above must reach both outcomes, or they test nothing about ordering.
   EXPECT_TRUE(RunTool(true, "x*1e300*1e300-ln(0)", 1).fault);

@@ -24,6 +24,25 @@ struct Formula {
   double top;  // x sweeps 0.1..top
 };
 
+// The first six hand-written again with x at its first cell and r, x read back in 15 digits,
+// at the later ones, as the engine must read them.
+using ReadBackForm = double (*)(double x, double r);
+const ReadBackForm kReadBackForms[] = {
+    [](double x, double r) { return x * x + 3 * r + 1; },
+    [](double x, double r) {
+      double s = std::sin(x), c = std::cos(r);
+      return s * s + c * c;
+    },
+    [](double x, double r) { return (x + 1) * (r - 1) / (r * r + 1); },
+    [](double x, double r) { return std::exp(0 - x * r / 2) * std::sqrt(2 * r + 1); },
+    [](double x, double r) { return 2 * (x * x * x * x) - 3 * (r * r * r) + r * r - 5 * r + 7; },
+    [](double x, double r) {
+      return std::sin(x) + std::cos(2 * r) + std::tan(r / 40) + std::exp(0 - r / 10) + std::log(r + 1) +
+             std::sqrt(r) + std::fabs(r - 5) + std::sinh(r / 9) - std::cosh(r / 9) + std::atan(r) * std::tanh(r) +
+             std::log10(r + 2);
+    },
+};
+
 // The same mathematics in each form (muparser spells sqrt, log10 and unary minus its own way).
 // The first six are the per-point formulas the tool windows are measured by, over 0.1..10.
 const Formula kFormulas[] = {
@@ -132,6 +151,21 @@ void BM_Native(benchmark::State& state) {
 BENCHMARK(BM_Merida)->DenseRange(0, kFormulaCount - 1);
 BENCHMARK(BM_Muparser)->DenseRange(0, kFormulaCount - 1);
 BENCHMARK(BM_Native)->DenseRange(0, kFormulaCount - 1);
+
+// The floor of any evaluator that keeps the read-back rule: hand-written, with the read-back.
+void BM_NativeReadBack(benchmark::State& state) {
+  const ReadBackForm f = kReadBackForms[state.range(0)];
+  merida::detail::Round15Guess guess;
+  double x = 0.1;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(x);
+    double y = f(x, merida::Round15(x, guess));
+    benchmark::DoNotOptimize(y);
+    x = x < 10 ? x + 1e-4 : 0.1;
+  }
+  state.SetLabel(kFormulas[state.range(0)].name);
+}
+BENCHMARK(BM_NativeReadBack)->DenseRange(0, 5);
 
 // A 6001-point graph sample: compile once, evaluate at every point, record the rows.
 void BM_GraphSample6001(benchmark::State& state) {

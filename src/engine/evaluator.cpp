@@ -279,6 +279,9 @@ struct Evaluator {
         &&L_kRevSubC,
         &&L_kRevDivC,
         &&L_kParamTermEnd,
+        &&L_kAddTermAddC,
+        &&L_kMulTermAddC,
+        &&L_kDivTermAddC,
         &&L_kEnd};
     static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
     const LeanInstr* p = c.lean.data();
@@ -297,6 +300,13 @@ struct Evaluator {
           top = p->c / top;
           NEXT;
         L_kAddTerm: top = top + term(*p); NEXT;
+        L_kAddTermAddC: top = (top + term(*p)) + p->d; NEXT;
+        L_kMulTermAddC: top = top * (term(*p) + p->d); NEXT;
+        L_kDivTermAddC:
+          // As the separate push and division: the dividend below, the divisor on top.
+          *++sp = top;
+          top = term(*p) + p->d;
+          goto L_kDiv;
         L_kSubTerm: top = top - term(*p); NEXT;
         L_kMulTerm: top = top * term(*p); NEXT;
         L_kDivReg:

@@ -64,6 +64,8 @@ enum class LeanOp : uint8_t {
   kPushTermAddC,  // push c * register^k + d
   kRevSubC, kRevDivC,  // c - top, c / top: a constant pushed before a run of steps on one value
   kParamTermEnd,  // kParamTerm of a body that is that one term, then kBodyEnd
+  // A term plus d and the step that takes it: top + term + d, top * (term + d), top / (term + d).
+  kAddTermAddC, kMulTermAddC, kDivTermAddC,
   kEnd,
 };
 

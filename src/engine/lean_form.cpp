@@ -168,8 +168,27 @@ std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee
     }
     fused.push_back(in);
   }
-  fused.push_back({LeanOp::kEnd});
-  return fused;
+  // A pushed term plus constant that the next step takes at once, and a term's step followed by
+  // a constant, each as one step computing the same operations in the same order (a product's
+  // operands may change places: that is exact).
+  std::vector<LeanInstr> merged;
+  for (const LeanInstr& in : fused) {
+    if (!merged.empty()) {
+      LeanInstr& last = merged.back();
+      if (last.op == LeanOp::kPushTermAddC && (in.op == LeanOp::kMul || in.op == LeanOp::kDiv)) {
+        last.op = in.op == LeanOp::kMul ? LeanOp::kMulTermAddC : LeanOp::kDivTermAddC;
+        continue;
+      }
+      if (last.op == LeanOp::kAddTerm && (in.op == LeanOp::kAddC || in.op == LeanOp::kSubC)) {
+        last.op = LeanOp::kAddTermAddC;
+        last.d = in.op == LeanOp::kAddC ? in.c : -in.c;
+        continue;
+      }
+    }
+    merged.push_back(in);
+  }
+  merged.push_back({LeanOp::kEnd});
+  return merged;
 }
 
 // True when lean code is one running value: a first term or constant, then steps that
@@ -184,7 +203,7 @@ bool IsTermsOnly(const std::vector<LeanInstr>& lean) {
     switch (lean[i].op) {
       case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kAddC:
       case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt: case LeanOp::kRevSubC:
-      case LeanOp::kEnd:
+      case LeanOp::kAddTermAddC: case LeanOp::kMulTermAddC: case LeanOp::kEnd:
         break;
       default:
         return false;
@@ -217,7 +236,8 @@ int RegisterDepth(const std::vector<LeanInstr>& lean) {
         break;
       case LeanOp::kAddTerm: case LeanOp::kSubTerm: case LeanOp::kMulTerm: case LeanOp::kDivReg:
       case LeanOp::kAddC: case LeanOp::kSubC: case LeanOp::kMulC: case LeanOp::kDivC: case LeanOp::kPowInt:
-      case LeanOp::kRevSubC: case LeanOp::kRevDivC: case LeanOp::kAbs:
+      case LeanOp::kRevSubC: case LeanOp::kRevDivC: case LeanOp::kAbs: case LeanOp::kAddTermAddC:
+      case LeanOp::kMulTermAddC: case LeanOp::kDivTermAddC:
         if (depth < 1) return 0;
         break;
       case LeanOp::kSin: case LeanOp::kCos: case LeanOp::kAtan: case LeanOp::kTan: case LeanOp::kExp:
@@ -271,7 +291,8 @@ double RunInRegisters(const LeanInstr* p, double* reg) {
       &&R_kSubTerm, &&R_kMulTerm, &&R_kDivReg, &&R_kAddC, &&R_kSubC, &&R_kMulC, &&R_kDivC, &&R_kAdd, &&R_kSub,
       &&R_kMul, &&R_kDiv, &&R_kPowInt, &&R_kSin, &&R_kCos, &&R_kAtan, &&R_kAbs, &&R_kTan, &&R_kExp, &&R_kSqr,
       &&R_kLn, &&R_kSinh, &&R_kCosh, &&R_kTanh, &&R_kLog, &&R_fail, &&R_fail, &&R_fail, &&R_fail, &&R_kSetParam,
-      &&R_kBodyEnd, &&R_kParamTerm, &&R_kPushTermAddC, &&R_kRevSubC, &&R_kRevDivC, &&R_kParamTermEnd, &&R_end};
+      &&R_kBodyEnd, &&R_kParamTerm, &&R_kPushTermAddC, &&R_kRevSubC, &&R_kRevDivC, &&R_kParamTermEnd,
+      &&R_kAddTermAddC, &&R_kMulTermAddC, &&R_kDivTermAddC, &&R_end};
   static_assert(sizeof kJump / sizeof kJump[0] == static_cast<size_t>(LeanOp::kEnd) + 1);
 #define NEXT goto* kJump[static_cast<int>((++p)->op)]
   goto* kJump[static_cast<int>(p->op)];
@@ -306,6 +327,14 @@ R_kDiv: {
   NEXT;
 }
 R_kPowInt: top = top == 0 ? top : IntPower(top, p->k); NEXT;
+R_kAddTermAddC: top = (top + term(*p)) + p->d; NEXT;
+R_kMulTermAddC: top = top * (term(*p) + p->d); NEXT;
+R_kDivTermAddC: {
+  const double divisor = term(*p) + p->d;
+  if (!usable(divisor) || divisor == 0) goto R_fail;
+  top = top / divisor;
+  NEXT;
+}
 // A copied body: its parameter read back into a register, its steps, its end.
 R_kSetParam: {
   if constexpr (!Bodies) goto R_fail;

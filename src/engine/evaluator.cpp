@@ -204,10 +204,8 @@ struct Evaluator {
     c.usesRounded = c.usesRounded || rounded;
     c.termsOnly = !c.lean.empty() && IsTermsOnly(c.lean);
     c.runRegisters = RegisterRunnerFor(c.lean);
-    c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(), [](const LeanInstr& in) {
-      return in.op == LeanOp::kCall || in.op == LeanOp::kSetParam || in.op == LeanOp::kParamTerm ||
-             in.op == LeanOp::kParamTermEnd;
-    });
+    c.leanCalls = std::any_of(c.lean.begin(), c.lean.end(),
+                              [](const LeanInstr& in) { return in.op == LeanOp::kCall || IsCopiedBodyStep(in.op); });
   }
 
   // The cached tool-mode code of a called slot when it has a lean form, built if need be.

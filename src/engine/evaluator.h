@@ -159,6 +159,10 @@ using LeanCallee = std::function<const CompiledCode*(int slot)>;
 // The lean form of tool-mode code, or nothing when a step needs the full machine. Sets
 // `usesRounded` when a copied body reads x back.
 std::vector<LeanInstr> MakeLean(const std::vector<Instr>& code, const LeanCallee& callee, bool& usesRounded);
+// True for the steps of a called body copied into its caller.
+inline bool IsCopiedBodyStep(LeanOp op) {
+  return op == LeanOp::kSetParam || op == LeanOp::kParamTerm || op == LeanOp::kParamTermEnd;
+}
 // True when lean code is one running value combined with terms and constants.
 bool IsTermsOnly(const std::vector<LeanInstr>& lean);
 // Stack values a register run keeps at most.

@@ -388,9 +388,8 @@ R_fail:
 
 RegisterRunner RegisterRunnerFor(const std::vector<LeanInstr>& lean) {
   if (lean.empty()) return nullptr;
-  const bool bodies = std::any_of(lean.begin(), lean.end(), [](const LeanInstr& in) {
-    return in.op == LeanOp::kSetParam || in.op == LeanOp::kParamTerm || in.op == LeanOp::kParamTermEnd;
-  });
+  const bool bodies =
+      std::any_of(lean.begin(), lean.end(), [](const LeanInstr& in) { return IsCopiedBodyStep(in.op); });
   switch (RegisterDepth(lean)) {
     case 2: return bodies ? &RunInRegisters<2, true> : &RunInRegisters<2, false>;
     case kRegisterDepth: return bodies ? &RunInRegisters<kRegisterDepth, true> : &RunInRegisters<kRegisterDepth, false>;

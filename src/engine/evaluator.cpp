@@ -864,14 +864,17 @@ bool Engine::BuildCallCode(int slot, CompiledCode& into) {
 
 // The compiled body of slot for this mode, built once; null when it takes the step path.
 CompiledCode* Engine::CallCode(int slot, bool toolMode) {
+  const int mode = toolMode ? 1 : 0;
   if (callCache_.size() <= static_cast<size_t>(slot)) callCache_.resize(slot + 1);
-  std::unique_ptr<CompiledCode>& entry = callCache_[slot][toolMode ? 1 : 0];
-  if (!entry) {
+  if (!callCache_[slot][mode]) {
     auto built = std::make_unique<CompiledCode>();
     if (!BuildCallCode(slot, *built)) return nullptr;
-    entry = std::move(built);
+    // Building may build the bodies it calls, growing the cache (look the entry up again),
+    // and may even have built this one: code built meanwhile can point at that copy, keep it.
+    if (callCache_.size() <= static_cast<size_t>(slot)) callCache_.resize(slot + 1);
+    if (!callCache_[slot][mode]) callCache_[slot][mode] = std::move(built);
   }
-  CompiledCode* c = entry.get();
+  CompiledCode* c = callCache_[slot][mode].get();
   if (c->running) {
     // The same body again inside its own run (a sum in a function it calls): the running
     // call keeps its stack, this one works on a copy kept for its depth.

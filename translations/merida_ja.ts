@@ -20,8 +20,8 @@
         <translation>CSVで保存...</translation>
     </message>
     <message>
-        <source>The file could not be written.</source>
-        <translation>ファイルに書き込めません。</translation>
+        <source>The file could not be written: %1</source>
+        <translation>ファイルに書き込めません: %1</translation>
     </message>
 </context>
 <context>
@@ -174,8 +174,8 @@
         <translation>中止</translation>
     </message>
     <message>
-        <source>MERIDA.DAT could not be written.</source>
-        <translation>MERIDA.DAT を書き込めませんでした。</translation>
+        <source>MERIDA.DAT was not written: %1</source>
+        <translation>MERIDA.DAT を書き込めませんでした: %1</translation>
     </message>
 </context>
 <context>
@@ -748,8 +748,8 @@
         <translation>印刷</translation>
     </message>
     <message>
-        <source>The file could not be written.</source>
-        <translation>ファイルに書き込めません。</translation>
+        <source>The file could not be written: %1</source>
+        <translation>ファイルに書き込めません: %1</translation>
     </message>
 </context>
 <context>

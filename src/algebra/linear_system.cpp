@@ -45,7 +45,10 @@ std::optional<LinearResult> ReadCells(const CellTexts& grid, bool withConstants,
     const auto& row = grid[static_cast<size_t>(i - 1)];
     for (int j = 1; j <= columns; ++j) {
       if (static_cast<int>(row.size()) < j || Trim(row[static_cast<size_t>(j - 1)]).empty()) {
-        return Outcome(LinearOutcome::Silent);
+        LinearResult r = Outcome(LinearOutcome::Silent);
+        r.badRow = i;
+        r.badColumn = j;
+        return r;
       }
       auto value = ReadNumber(row[static_cast<size_t>(j - 1)]);
       if (!value) {

@@ -356,9 +356,15 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
   poly_ = *p;
   work_ = p->coef;
   workDegree_ = 0;
-  if (p->degree <= 0) return end(PolyEnd::kSilent);
+  if (p->degree <= 0) {
+    engine_.EndSilently("the formula is a constant: it has no roots to seek");
+    return end(PolyEnd::kSilent);
+  }
   std::optional<double> tolerance = ReadNumber(toleranceBox);
-  if (!tolerance) return end(PolyEnd::kSilent);
+  if (!tolerance) {
+    engine_.EndSilently("the tolerance must be a number (not \"" + std::string(Trim(toleranceBox)) + "\")");
+    return end(PolyEnd::kSilent);
+  }
   integerTolerance_ = *tolerance;
   if (!seeded_) random_.seed(static_cast<uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
   auto snap = [&](double v) { return roundOn ? SnapToInteger(v, integerTolerance_) : v; };
@@ -400,7 +406,10 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
         }
       }
     }
-    if (!converged) return end(PolyEnd::kNoConvergence);
+    if (!converged) {
+      engine_.EndSilently("Seek found no factor: the method did not converge");
+      return end(PolyEnd::kNoConvergence);
+    }
     pv = snap(pv);
     qv = snap(qv);
     // The quotient is taken at the p and q of the factor solved below, not at the step
@@ -496,15 +505,22 @@ PolyResult PolynomialTools::factor(std::string_view polynomialBox, std::string_v
       r.secondFunction = prefix + "(" + d->factor + ")*(" + d->quotient + ")";
       prefix += "(" + d->factor + ")*";
     }
+    if (!r.secondFunction) engine_.EndSilently("there is no real root of a Seek to divide by");
     return end(r.secondFunction ? PolyEnd::kDone : PolyEnd::kSilent);
   }
   std::optional<double> v = ReadNumber(polynomialBox);
-  if (!v) return end(PolyEnd::kSilent);
+  if (!v) {
+    engine_.EndSilently("the root to divide by must be a number (not \"" + std::string(Trim(polynomialBox)) + "\")");
+    return end(PolyEnd::kSilent);
+  }
   if (workDegree_ == 0) {
     workDegree_ = TrueDegree(work_, poly_.degree);
     factorPrefix_.clear();
   }
-  if (workDegree_ <= 1) return end(PolyEnd::kSilent);
+  if (workDegree_ <= 1) {
+    engine_.EndSilently("the polynomial is already of degree 1 or less");
+    return end(PolyEnd::kSilent);
+  }
   std::optional<Division> d = divide(work_, workDegree_, *v, judge, coefficientOn);
   if (!d) return end(PolyEnd::kError);
   --workDegree_;

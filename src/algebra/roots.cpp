@@ -52,16 +52,25 @@ std::optional<Range> ReadRange(Engine& engine, AppState& state, const RootBoxes&
   }
   r.end = RootEnd::kSilent;
   std::optional<int16_t> n = ReadCountBox(boxes.num);
-  if (!n) return std::nullopt;
-  state.DivisionCount = *n;
-  if (*n < 1 || !(g.start < g.end)) return std::nullopt;
+  if (n) state.DivisionCount = *n;
+  if (!n || *n < 1) {
+    engine.EndSilently(CountReason("the number of divisions", boxes.num, 1, 32767));
+    return std::nullopt;
+  }
+  if (!(g.start < g.end)) {
+    engine.EndSilently("the start of the range must be below its end");
+    return std::nullopt;
+  }
   g.n = *n;
   if (g.n >= cap) {
     g.n = cap - 1;
     r.numBox = std::to_string(cap);
   }
   std::optional<double> judge = ReadNumber(boxes.judge);
-  if (!judge) return std::nullopt;
+  if (!judge) {
+    engine.EndSilently("the judge value must be a number (not \"" + std::string(Trim(boxes.judge)) + "\")");
+    return std::nullopt;
+  }
   g.judge = *judge;
   r.judge = *judge;
   g.h = (g.end - g.start) / g.n;

@@ -14,7 +14,7 @@ Application::Application(const std::filesystem::path& dir) {
   main_ = std::make_unique<MainWindow>(engine_, state_);
   host_.setWindow(main_.get());
   engine_.ResetEngine();
-  LoadUserFunctions(engine_, dir);
+  storeNotice_ = StoreLoadNotice(LoadUserFunctions(engine_, dir));
   RegisterTools(*main_, engine_, state_);
   RegisterHelp(*main_, engine_, state_, translations_);
 }

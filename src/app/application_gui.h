@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "engine/engine.h"
 #include "main/app_state.h"
@@ -25,6 +26,8 @@ class Application {
   Engine& engine() { return engine_; }
   Translations& translations() { return translations_; }
   MainWindow& mainWindow() { return *main_; }
+  // What loading MERIDA.DAT left unsaid beyond the error shown (StoreLoadNotice); empty mostly.
+  const std::string& storeNotice() const { return storeNotice_; }
 
  private:
   AppState state_;
@@ -32,6 +35,7 @@ class Application {
   Engine engine_{host_};
   Translations translations_{state_};
   std::unique_ptr<MainWindow> main_;
+  std::string storeNotice_;
 };
 
 }  // namespace merida

@@ -1,6 +1,7 @@
 // The desktop calculator: one application object, one event loop.
 #include <QApplication>
 #include <QIcon>
+#include <QMessageBox>
 #include <filesystem>
 
 #include "app/application_gui.h"
@@ -20,5 +21,9 @@ int main(int argc, char** argv) {
   QObject::connect(&application.mainWindow(), &merida::MainWindow::closed, &qt, &QCoreApplication::quit,
                    Qt::QueuedConnection);
   application.mainWindow().show();
+  if (!application.storeNotice().empty()) {
+    QMessageBox::warning(&application.mainWindow(), QStringLiteral("MERIDA"),
+                         QString::fromStdString(application.storeNotice()));
+  }
   return QApplication::exec();
 }

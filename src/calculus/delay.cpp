@@ -46,7 +46,10 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
     return Ended(engine, r, DelayEnd::kError);
   }
   std::optional<double> steps = ReadNumber(stepBox);
-  if (!steps || !std::isfinite(*steps)) return Ended(engine, r, DelayEnd::kSilent);
+  if (!steps || !std::isfinite(*steps)) {
+    engine.EndSilently("the number of steps must be a number (not \"" + std::string(Trim(stepBox)) + "\")");
+    return Ended(engine, r, DelayEnd::kSilent);
+  }
   // Counts beyond 16 bits are capped like any count above the limit.
   double N = std::nearbyint(*steps);
   if (N > kMaxDelayPoints) {
@@ -72,7 +75,11 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
   double history[kMaxDelay];
   for (int row = 1; row <= K; ++row) {
     const std::string& cell = row <= static_cast<int>(initialCells.size()) ? initialCells[row - 1] : std::string();
-    if (cell.find_first_not_of(' ') == std::string::npos) return Ended(engine, r, DelayEnd::kSilent);
+    if (cell.find_first_not_of(' ') == std::string::npos) {
+      engine.EndSilently("the formula reaches back " + std::to_string(K) + " steps: initial value " +
+                         std::to_string(row) + " is empty");
+      return Ended(engine, r, DelayEnd::kSilent);
+    }
     history[Position(row - 1, K)] = ReadLenient(cell);
   }
 

@@ -36,7 +36,10 @@ std::optional<Fields> Setup(Engine& engine, const DiffBoxes& boxes, DiffResult& 
   engine.FaultFlag = false;
   engine.CancelFlag = false;
   r.end = DiffEnd::kSilent;
-  if (!IsDiffVariableName(boxes.var)) return std::nullopt;
+  if (!IsDiffVariableName(boxes.var)) {
+    engine.EndSilently("the variable's name \"" + boxes.var + "\" may hold only letters, digits and \"_\"");
+    return std::nullopt;
+  }
   Fields f;
   using Box = std::pair<const std::string*, double*>;
   const std::array<Box, 5> read{Box{&boxes.width, &f.h}, Box{&boxes.min, &f.start}, Box{&boxes.max, &f.end},
@@ -75,9 +78,12 @@ PointStatus Compile(Engine& engine, FormulaSampler& sampler, std::string_view fo
 // N = Int((end - start) / h) + 1, before any cap. A width of 0, or one whose sign points away
 // from the end, gives no count: the computation ends silently rather than run forever or
 // backwards. A count beyond 16 bits is kept as the large number it is, so the cap takes it.
-std::optional<double> StepCount(const Fields& f) {
+std::optional<double> StepCount(Engine& engine, const Fields& f) {
   const double q = (f.end - f.start) / f.h;
-  if (!std::isfinite(q) || q < 0) return std::nullopt;
+  if (!std::isfinite(q) || q < 0) {
+    engine.EndSilently("the width must step from the start of the range to its end (not 0, and of the same sign)");
+    return std::nullopt;
+  }
   return std::floor(q) + 1;
 }
 
@@ -139,7 +145,8 @@ DiffResult Derivative(Engine& engine, AppState& state, std::string_view formula,
   DiffResult r;
   FormulaSampler sampler(engine);
   if (PointStatus s = Compile(engine, sampler, formula, {}, f.start); s != PointStatus::kOk) return Ended(engine, r, EndOf(s));
-  std::optional<double> count = StepCount(f);
+  std::optional<double> count = StepCount(engine, f);
+  if (count && *count < 2) engine.EndSilently("the range must hold at least two widths");
   if (!count || *count < 2) return Ended(engine, r, DiffEnd::kSilent);
   const int n = static_cast<int>(std::min(*count, double{kMaxDiffPoints}));
   const double h = f.h;
@@ -261,7 +268,7 @@ DiffResult Solve(Engine& engine, AppState& state, const Fields& f, DiffModeValue
                  bool plane) {
   DiffResult r;
   const bool simult = fs.g != nullptr;
-  std::optional<double> count = StepCount(f);
+  std::optional<double> count = StepCount(engine, f);
   if (!count) return Ended(engine, r, DiffEnd::kSilent);
   const int n = static_cast<int>(std::min(*count, double{kMaxDiffPoints - 1}));
   Output out(state, r, !plane);
@@ -344,7 +351,10 @@ DiffResult RunSimult(Engine& engine, AppState& state, std::string_view formula, 
   }
   std::optional<Fields> f = Setup(engine, boxes, r);
   if (!f) return r;
-  if (!IsDiffVariableName(boxes.var2)) return Ended(engine, r, DiffEnd::kSilent);
+  if (!IsDiffVariableName(boxes.var2)) {
+    engine.EndSilently("the second variable's name \"" + boxes.var2 + "\" may hold only letters, digits and \"_\"");
+    return Ended(engine, r, DiffEnd::kSilent);
+  }
   state.DiffMode = kDiffRungeKutta;
 
   const std::vector<std::string> names{boxes.var, boxes.var2};

@@ -48,6 +48,22 @@ struct Limits {
   double a = 0, b = 0;
 };
 
+// The divisions and limits a rule can use (at least `least` divisions, a below b); otherwise
+// false, with the reason given to the engine.
+bool UsableRange(Engine& engine, std::optional<double> count, std::string_view box, double least, const Limits& l,
+                 const char* which) {
+  if (!count || *count < least) {
+    engine.EndSilently(std::string("the number of ") + which + "divisions must be a whole number of at least " +
+                       std::to_string(static_cast<int>(least)) + " (not \"" + std::string(Trim(box)) + "\")");
+    return false;
+  }
+  if (!(l.a < l.b)) {
+    engine.EndSilently(std::string("the lower limit of the ") + which + "range must be below the upper limit");
+    return false;
+  }
+  return true;
+}
+
 // Min and Max through EvaluateConstantText; nullopt after an error or fault.
 std::optional<Limits> ReadLimits(Engine& engine, const RangeBoxes& boxes) {
   Limits l;
@@ -72,7 +88,7 @@ IntegrationResult IntegrateSingle(Engine& engine, AppState& state, std::string_v
   std::optional<Limits> l = ReadLimits(engine, boxes);
   if (!l) return Ended(engine, state, r, engine.FaultFlag ? IntegrationEnd::kFault : IntegrationEnd::kError);
   std::optional<double> count = ReadDivisions(boxes.num);
-  if (!count || *count < 1 || !(l->a < l->b)) return Ended(engine, state, r, IntegrationEnd::kSilent);
+  if (!UsableRange(engine, count, boxes.num, 1, *l, "")) return Ended(engine, state, r, IntegrationEnd::kSilent);
   double n = *count;
   if (std::fmod(n, 2) != 0) {
     n += 1;
@@ -137,11 +153,11 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
   struct Range {
     double a, b, n;
   };
-  auto read = [&](const RangeBoxes& boxes, std::optional<std::string>& box) -> std::optional<Range> {
+  auto read = [&](const RangeBoxes& boxes, std::optional<std::string>& box, const char* which) -> std::optional<Range> {
     std::optional<Limits> l = ReadLimits(engine, boxes);
     if (!l) return std::nullopt;
     std::optional<double> count = ReadDivisions(boxes.num);
-    if (!count || *count < 2 || !(l->a < l->b)) return std::nullopt;
+    if (!UsableRange(engine, count, boxes.num, 2, *l, which)) return std::nullopt;
     double n = *count;
     if (std::fmod(n, 2) != 0) n += 1;
     if (n > kMaxIntegrationDivisions) {
@@ -150,8 +166,8 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
     }
     return Range{l->a, l->b, n};
   };
-  std::optional<Range> r1 = read(first, r.numBox);
-  std::optional<Range> r2 = r1 ? read(second, r.numBox2) : std::nullopt;
+  std::optional<Range> r1 = read(first, r.numBox, "first ");
+  std::optional<Range> r2 = r1 ? read(second, r.numBox2, "second ") : std::nullopt;
   if (!r1 || !r2) {
     if (engine.failed()) return Ended(engine, state, r, engine.FaultFlag ? IntegrationEnd::kFault : IntegrationEnd::kError);
     return Ended(engine, state, r, IntegrationEnd::kSilent);

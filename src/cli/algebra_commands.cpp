@@ -1,4 +1,5 @@
 // merida-cli commands of the linear-equation and prime windows: their list lines on standard output.
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -7,6 +8,7 @@
 #include "algebra/linear_system.h"
 #include "algebra/primes.h"
 #include "cli/cli.h"
+#include "engine/formula_sampler.h"
 
 namespace merida::cli {
 namespace {
@@ -81,6 +83,8 @@ int Report(Context& ctx, const LinearResult& r, bool printCells) {
       ReportFault(ctx);
       return Finish(ctx, false);
     case LinearOutcome::Silent:
+      ctx.engine.EndSilently("row " + std::to_string(r.badRow) + " has no number in column " +
+                             std::to_string(r.badColumn));
       break;
   }
   return Finish(ctx, false);
@@ -134,10 +138,14 @@ int RunInverse(Context& ctx, const std::vector<std::string>& args) {
   return RunLinear(ctx, args, false, "inverse ROW... (each ROW \"a1 ... an\", n rows, n <= 10)", Inverse, true);
 }
 
+// Why a prime tool did nothing with its box: it ends silently in the window.
+constexpr const char* kIntegerRange = "2 to 2147483647";
+
 int RunPfactor(Context& ctx, const std::vector<std::string>& args) {
   if (args.size() != 1) return Usage("pfactor N");
   auto lines = FactorLines(args[0]);
   PrintLines(lines);
+  if (lines.empty()) ctx.engine.EndSilently(CountReason("N", args[0], 2, INT32_MAX));
   return Finish(ctx, !lines.empty());
 }
 
@@ -149,6 +157,7 @@ int RunPrimes(Context& ctx, const std::vector<std::string>& args) {
     lines = ListPrimeLines(args[0], [&out](std::string_view line) { out.line(line); });
   }
   std::fflush(stdout);
+  if (lines == 0) ctx.engine.EndSilently(CountReason("N", args[0], 2, INT32_MAX));
   return Finish(ctx, lines > 0);
 }
 
@@ -156,6 +165,8 @@ int RunGcm(Context& ctx, const std::vector<std::string>& args) {
   if (args.size() != 2) return Usage("gcm A B");
   auto lines = GcmLines(args[0], args[1], ctx.state.japanese());
   if (lines) PrintLines(*lines);
+  if (!lines) ctx.engine.EndSilently(std::string("A and B must be whole numbers from ") + kIntegerRange);
+  if (lines && lines->empty()) ctx.engine.EndSilently("the least common multiple is above 2147483647");
   return Finish(ctx, lines && !lines->empty());
 }
 

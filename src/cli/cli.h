@@ -37,7 +37,8 @@ struct Context {
   std::filesystem::path dir;  // the current directory
 };
 
-// The exit status after an action: fault 3, error 1, silent end 1, else 0.
+// The exit status after an action: fault 3, error 1, else 0 when the action produced its
+// output; a silent end is 1, its reason printed on standard error.
 int Finish(const Context& ctx, bool produced);
 
 // Every command: its arguments after the command name; returns the exit status.

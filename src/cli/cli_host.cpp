@@ -30,6 +30,7 @@ LoadResult LoadFile(Context& ctx, const std::string& file) {
   std::filesystem::path path = std::filesystem::absolute(file);
   LoadResult r = LoadDataFile(ctx.engine, ctx.state.Records, path);
   if (!r.boxes.text1) r.boxes.text1 = path.filename().string();
+  if (!r.loaded && !r.reason.empty()) ctx.engine.EndSilently(r.reason);
   return r;
 }
 
@@ -43,7 +44,13 @@ std::string FloatPointLines(const std::vector<ChartPoint>& points) {
 
 int Finish(const Context& ctx, bool produced) {
   if (ctx.host.sawFault || ctx.engine.FaultFlag) return kFault;
-  if (ctx.host.sawError || ctx.engine.ErrorFlag == 1 || !produced) return kFailed;
+  if (ctx.host.sawError || ctx.engine.ErrorFlag == 1) return kFailed;
+  if (!produced) {
+    // Where the window ends without a word, a script still learns why.
+    const std::string& why = ctx.engine.silentReason();
+    std::cerr << "merida-cli: " << (why.empty() ? "nothing to show for these boxes" : why) << std::endl;
+    return kFailed;
+  }
   return kOk;
 }
 

@@ -79,8 +79,9 @@ int WriteMap(const MapScene& scene, const std::string& path) {
   static char* argv[] = {name, option, platform, nullptr};
   qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
   QGuiApplication app(argc, argv);
-  if (SaveMap(scene, QString::fromStdString(path), QSize(640, 640), MapStyle{})) return kOk;
-  std::cerr << "merida-cli: cannot write " << path << '\n';
+  const FileResult r = SaveMap(scene, QString::fromStdString(path), QSize(640, 640), MapStyle{});
+  if (r) return kOk;
+  std::cerr << "merida-cli: cannot write " << path << ": " << r.error << '\n';
   return kFailed;
 #else
   (void)scene;

@@ -37,8 +37,7 @@ int RunFft(Context& ctx, const std::vector<std::string>& args) {
   FftSource source = FftSource::kFormula;
   if (file) {
     source = o->has("--wave") ? FftSource::kWave : FftSource::kMerida;
-    LoadFile(ctx, o->has("--wave") ? (*o)["--wave"] : (*o)["--mrd"]);
-    if (ctx.host.sawError) return Finish(ctx, false);
+    if (!LoadFile(ctx, o->has("--wave") ? (*o)["--wave"] : (*o)["--mrd"]).loaded) return Finish(ctx, false);
   }
   FrequencyAnalysis fft(ctx.engine, ctx.state);
   FftGoResult go = fft.go(o->formula.value_or(""), {(*o)["--from"], (*o)["--to"], (*o)["--num"]}, source);
@@ -66,9 +65,9 @@ int RunFft(Context& ctx, const std::vector<std::string>& args) {
       for (size_t p = 0; p < row.size(); ++p) text += (p ? " " : "") + PlainText(row[p]);
       text += "\n";
     }
-    if (!WriteFileAtomically(ctx.dir / (*o)["--matrix"], text)) {
-      std::cerr << "fft: cannot write " << (*o)["--matrix"] << '\n';
-      return 1;
+    if (FileResult w = WriteFileAtomically(ctx.dir / (*o)["--matrix"], text); !w) {
+      std::cerr << "merida-cli: cannot write " << (*o)["--matrix"] << ": " << w.error << '\n';
+      return kFailed;
     }
   }
   return Finish(ctx, true);

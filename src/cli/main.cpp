@@ -108,7 +108,8 @@ int main(int argc, char** argv) {
   std::filesystem::path dir = std::filesystem::current_path(ec);
   if (ec) dir = ".";
   state.DisplayLanguage = ReadDisplayLanguage(dir, kEnglish);
-  LoadUserFunctions(engine, dir);
+  const std::string notice = StoreLoadNotice(LoadUserFunctions(engine, dir));
+  if (!notice.empty()) std::cerr << "merida-cli: " << notice << '\n';
   host.sawError = false;  // a bad store line was reported; it does not fail the command
   Context ctx{engine, state, host, dir};
   std::vector<std::string> args(argv + 2, argv + argc);

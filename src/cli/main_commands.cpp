@@ -33,13 +33,24 @@ int RunCalc(Context& ctx, const std::vector<std::string>& args) {
   return Finish(ctx, answer.has_value());
 }
 
+namespace {
+
+// Prints why MERIDA.DAT was not written and returns the exit status.
+int NotWritten(const FileResult& r) {
+  std::cerr << "merida-cli: MERIDA.DAT not written: " << r.error << std::endl;
+  return kFailed;
+}
+
+}  // namespace
+
+// rec and del read, change and write the store under its lock, so that programs running at
+// once act one after another: each checks its change against what the one before it saved.
 int RunRec(Context& ctx, const std::vector<std::string>& args) {
   if (args.size() != 1) return Usage("rec FORMULA");
+  StoreSession store(ctx.dir);
+  if (FileResult r = store.reload(ctx.engine); !r) return NotWritten(r);
   if (!ctx.engine.RegisterFormula(args[0])) return Finish(ctx, false);
-  if (!SaveUserFunctions(ctx.engine, ctx.dir)) {
-    std::cerr << "merida-cli: cannot write MERIDA.DAT" << std::endl;
-    return kFailed;
-  }
+  if (FileResult r = store.save(ctx.engine); !r) return NotWritten(r);
   return kOk;
 }
 
@@ -51,12 +62,18 @@ int RunList(Context& ctx, const std::vector<std::string>& args) {
 
 int RunDel(Context& ctx, const std::vector<std::string>& args) {
   if (args.size() != 1 || !IsNumeric(args[0])) return Usage("del N");
+  StoreSession store(ctx.dir, false);
+  if (FileResult r = store.reload(ctx.engine); !r) return NotWritten(r);
+  const int count = ctx.engine.userFunctionCount();
   auto k = ToInt16(ReadLenient(args[0]));
-  if (!k || !ctx.engine.DeleteFunction(*k)) return kFailed;  // no such line: nothing to delete
-  if (!SaveUserFunctions(ctx.engine, ctx.dir)) {
-    std::cerr << "merida-cli: cannot write MERIDA.DAT" << std::endl;
+  if (!k || !ctx.engine.DeleteFunction(*k)) {
+    std::cerr << "merida-cli: del: there is no function " << args[0]
+              << (count == 0 ? std::string(" (no functions are registered)")
+                             : " (the functions are numbered 1 to " + std::to_string(count) + ")")
+              << std::endl;
     return kFailed;
   }
+  if (FileResult r = store.save(ctx.engine); !r) return NotWritten(r);
   return kOk;
 }
 

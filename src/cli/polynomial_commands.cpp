@@ -20,7 +20,6 @@ constexpr double kOpeningJudge = 1e-7;
 // Prints what the window shows after one press; false when the press ended the command.
 bool Shown(Context& ctx, const PolyResult& r) {
   if (r.end == PolyEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("Overflow");
-  if (r.end == PolyEnd::kNoConvergence) std::cerr << "Seek found no factor: the method did not converge.\n";
   if (r.lines) {
     for (const std::string& line : *r.lines) std::cout << line << '\n';
   }
@@ -54,7 +53,10 @@ int RunSeek(Context& ctx, const std::vector<std::string>& args) {
   auto o = ParseOptions(args, {"--tolerance", "--judge"}, {"--integer"}, {});
   if (!o) return Usage(kSeekUsage);
   std::optional<double> judge = Judge(*o);
-  if (!judge) return Finish(ctx, false);  // a judge box that is not a number: Go ends silently
+  if (!judge) {  // a judge box that is not a number: Go ends silently
+    ctx.engine.EndSilently("the judge value must be a number (not \"" + (*o)["--judge"] + "\")");
+    return Finish(ctx, false);
+  }
   PolynomialTools tools(ctx.engine);
   const std::string tolerance = o->has("--tolerance") ? (*o)["--tolerance"] : kOpeningTolerance;
   return Finish(ctx, Shown(ctx, tools.seek(*o->formula, tolerance, *judge, o->flag("--integer"))));
@@ -80,9 +82,6 @@ int RunFactor(Context& ctx, const std::vector<std::string>& args) {
   if (roots.empty()) {
     PolyResult seek = tools.seek(*o->formula, tolerance, kOpeningJudge, o->flag("--integer"));
     if (seek.end == PolyEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("Overflow");
-    if (seek.end == PolyEnd::kNoConvergence) {
-      std::cerr << "Seek found no factor: the method did not converge.\n";
-    }
     if (seek.end != PolyEnd::kDone) return Finish(ctx, false);
     PolyResult r = tools.factor("", tolerance, kOpeningJudge, coeff);
     // Divisions before a failing one have shown their boxes.

@@ -22,11 +22,12 @@ int RunWave(Context& ctx, const std::vector<std::string>& args) {
   if (!o) return Usage(kWaveUsage);
   WaveBoxes boxes{(*o)["--from"], (*o)["--to"], o->has("--name") ? (*o)["--name"] : ""};
   WaveResult r = MakeWave(ctx.engine, *o->formula, boxes, o->flag("--mrd"), ctx.dir);
-  if (r.end == WaveEnd::kFailed && !ctx.host.sawFault) {
-    // The window ends quietly; a script is told why.
-    std::cerr << "fault: " << (ctx.engine.FaultFlag ? "Overflow" : "nothing written (a constant formula or an unwritable file)")
-              << '\n';
-    return 3;
+  // The window ends quietly on these; a script is told what happened.
+  if (r.end == WaveEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("Overflow");
+  if (r.end == WaveEnd::kConstant) ctx.engine.EndSilently("nothing written: the formula has the same value at every sample");
+  if (r.end == WaveEnd::kWriteError) {
+    std::cerr << "merida-cli: cannot write " << r.fileName << ": " << r.writeError << '\n';
+    return kFailed;
   }
   if (r.end == WaveEnd::kWritten) std::cout << r.fileName << '\n';
   return Finish(ctx, r.end == WaveEnd::kWritten);

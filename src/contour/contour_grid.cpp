@@ -17,14 +17,22 @@ struct AxisRange {
 };
 
 // One axis' three boxes; nullopt ends the calculation (silently unless the engine failed).
-std::optional<AxisRange> ReadAxis(Engine& engine, const std::string& minBox, const std::string& maxBox,
-                                  const std::string& divisionsBox, std::optional<std::string>& shown) {
+std::optional<AxisRange> ReadAxis(Engine& engine, const char* axis, const std::string& minBox,
+                                  const std::string& maxBox, const std::string& divisionsBox,
+                                  std::optional<std::string>& shown) {
   AxisRange a;
   a.min = engine.EvaluateConstantText(minBox);
   if (!engine.failed()) a.max = engine.EvaluateConstantText(maxBox);
   if (engine.failed()) return std::nullopt;
   std::optional<int16_t> n = ReadCountBox(divisionsBox);
-  if (!n || *n < 1 || !(a.min < a.max)) return std::nullopt;
+  if (!n || *n < 1) {
+    engine.EndSilently(CountReason(std::string("the number of ") + axis + " divisions", divisionsBox, 1, 32767));
+    return std::nullopt;
+  }
+  if (!(a.min < a.max)) {
+    engine.EndSilently(std::string("the start of the ") + axis + " range must be below its end");
+    return std::nullopt;
+  }
   a.divisions = *n;
   if (a.divisions > ContourGrid::kMaxDivisions) {
     a.divisions = ContourGrid::kMaxDivisions;
@@ -66,9 +74,9 @@ GridResult EvaluateGrid(Engine& engine, std::string_view formula, const GridBoxe
     return out;
   }
 
-  std::optional<AxisRange> ax = ReadAxis(engine, boxes.xMin, boxes.xMax, boxes.xDivisions, out.xDivisionsBox);
+  std::optional<AxisRange> ax = ReadAxis(engine, "x", boxes.xMin, boxes.xMax, boxes.xDivisions, out.xDivisionsBox);
   std::optional<AxisRange> ay;
-  if (ax) ay = ReadAxis(engine, boxes.yMin, boxes.yMax, boxes.yDivisions, out.yDivisionsBox);
+  if (ax) ay = ReadAxis(engine, "y", boxes.yMin, boxes.yMax, boxes.yDivisions, out.yDivisionsBox);
   if (!ax || !ay) {
     out.end = engine.failed() ? Failed(engine, engine.FaultFlag) : GridEnd::kSilent;
     return out;

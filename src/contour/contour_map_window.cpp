@@ -147,7 +147,7 @@ void ContourMapWindow::retranslate() {
 
 void ContourMapWindow::setPrintSetting(bool on) { Picture1->setPrintMode(on); }
 
-bool ContourMapWindow::saveImage(const QString& path) const {
+FileResult ContourMapWindow::saveImage(const QString& path) const {
   return SaveMap(Picture1->scene(), path, Picture1->size(), Picture1->mapStyle(), Picture1->devicePixelRatioF());
 }
 
@@ -178,7 +178,9 @@ void ContourMapWindow::askAndSave() {
   if (!path.endsWith(QLatin1String(".png"), Qt::CaseInsensitive) && !path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) {
     path += QStringLiteral(".png");
   }
-  if (!saveImage(path)) QMessageBox::warning(this, windowTitle(), tr("The file could not be written."));
+  if (const FileResult r = saveImage(path); !r) {
+    QMessageBox::warning(this, windowTitle(), tr("The file could not be written: %1").arg(QString::fromStdString(r.error)));
+  }
 }
 
 void ContourMapWindow::closeEvent(QCloseEvent* event) {

@@ -76,7 +76,7 @@ class ContourMapWindow : public ToolWindow {
   void setPrintSetting(bool on);
   AxisAngleWindow* angleWindow() const { return angle_; }
   // PNG, or SVG by the name's extension, of the drawing as shown; false when not written.
-  bool saveImage(const QString& path) const;
+  FileResult saveImage(const QString& path) const;
 
   ContourMapWidget* Picture1;
   QPushButton *Command1, *Command2, *Command3;

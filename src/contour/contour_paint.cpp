@@ -4,7 +4,8 @@
 #include <QFontMetricsF>
 #include <QPaintDevice>
 #include <QPolygonF>
-#include <QSaveFile>
+#include <QBuffer>
+#include <QFile>
 #include <QSvgGenerator>
 #include <algorithm>
 #include <vector>
@@ -74,24 +75,26 @@ QImage RenderMap(const MapScene& scene, QSize size, const MapStyle& style, doubl
   return image;
 }
 
-bool SaveMap(const MapScene& scene, const QString& path, QSize size, const MapStyle& style,
-             double devicePixelRatio) {
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return false;
+FileResult SaveMap(const MapScene& scene, const QString& path, QSize size, const MapStyle& style,
+                   double devicePixelRatio) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
   if (path.endsWith(QLatin1String(".svg"), Qt::CaseInsensitive)) {
     QSvgGenerator svg;
-    svg.setOutputDevice(&file);
+    svg.setOutputDevice(&buffer);
     svg.setSize(size);
     svg.setViewBox(QRect(QPoint(0, 0), size));
     svg.setResolution(96);
     QPainter painter;
-    if (!painter.begin(&svg)) return false;
+    if (!painter.begin(&svg)) return {"the image could not be encoded"};
     PaintMap(painter, scene, QRectF(QPointF(0, 0), QSizeF(size)), style);
     painter.end();
-  } else {
-    if (!RenderMap(scene, size, style, devicePixelRatio).save(&file, "PNG")) return false;
+  } else if (!RenderMap(scene, size, style, devicePixelRatio).save(&buffer, "PNG")) {
+    return {"the image could not be encoded"};
   }
-  return file.commit();
+  return WriteFileAtomically(QFile::encodeName(path).toStdString(),
+                             std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
 }
 
 }  // namespace merida

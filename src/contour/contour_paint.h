@@ -9,6 +9,7 @@
 #include <QString>
 
 #include "contour/contour_scene.h"
+#include "engine/atomic_file.h"
 
 namespace merida {
 
@@ -24,8 +25,8 @@ void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, co
 // The drawing as an image of `size` logical pixels at `devicePixelRatio`.
 QImage RenderMap(const MapScene& scene, QSize size, const MapStyle& style, double devicePixelRatio = 1);
 
-// Writes a PNG, or an SVG when the name ends in ".svg"; false when the file could not be written.
-bool SaveMap(const MapScene& scene, const QString& path, QSize size, const MapStyle& style,
+// Writes a PNG, or an SVG when the name ends in ".svg", atomically.
+FileResult SaveMap(const MapScene& scene, const QString& path, QSize size, const MapStyle& style,
              double devicePixelRatio = 1);
 
 }  // namespace merida

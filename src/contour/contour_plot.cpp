@@ -29,13 +29,19 @@ LevelsResult ReadLevels(Engine& engine, const LevelBoxes& boxes) {
   const double highest = std::nearbyint(engine.EvaluateConstantText(boxes.highest));
   if (engine.failed()) return out;
   std::optional<int16_t> step = ReadCountBox(boxes.step);
-  if (!step || *step < 1) return out;
+  if (!step || *step < 1) {
+    engine.EndSilently(CountReason("the level step", boxes.step, 1, 32767));
+    return out;
+  }
   Levels levels{lowest, highest, static_cast<double>(*step)};
   if (*step > kMaxLevelStep) {
     levels.step = kMaxLevelStep;
     out.stepBox = std::to_string(kMaxLevelStep);
   }
-  if (!(lowest < highest)) return out;
+  if (!(lowest < highest)) {
+    engine.EndSilently("the lowest level must be below the highest, once both are rounded to whole numbers");
+    return out;
+  }
   out.levels = levels;
   return out;
 }

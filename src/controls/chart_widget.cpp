@@ -8,7 +8,8 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
-#include <QSaveFile>
+#include <QBuffer>
+#include <QFile>
 #include <QScatterSeries>
 #include <QSvgGenerator>
 #include <QValueAxis>
@@ -347,37 +348,47 @@ QString ChartWidget::csvText() const {
   return text;
 }
 
-bool ChartWidget::savePng(const QString& path) {
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return false;
-  return grab().save(&file, "PNG") && file.commit();
+namespace {
+
+// Every file goes through the one atomic writer, with its rules on links and modes.
+FileResult WriteBytes(const QString& path, const QByteArray& bytes) {
+  return WriteFileAtomically(QFile::encodeName(path).toStdString(), std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
 }
 
-bool ChartWidget::saveSvg(const QString& path) {
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return false;
+}  // namespace
+
+FileResult ChartWidget::savePng(const QString& path) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  if (!grab().save(&buffer, "PNG")) return {"the image could not be encoded"};
+  return WriteBytes(path, bytes);
+}
+
+FileResult ChartWidget::saveSvg(const QString& path) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
   QSvgGenerator svg;
-  svg.setOutputDevice(&file);
+  svg.setOutputDevice(&buffer);
   svg.setSize(size());
   svg.setViewBox(QRect(QPoint(0, 0), size()));
   QPainter painter;
-  if (!painter.begin(&svg)) return false;
+  if (!painter.begin(&svg)) return {"the image could not be encoded"};
   render(&painter);
   painter.end();
-  return file.commit();
+  return WriteBytes(path, bytes);
 }
 
-bool ChartWidget::saveCsv(const QString& path) const {
-  return WriteFileAtomically(path.toStdString(), csvText().toStdString());
-}
+FileResult ChartWidget::saveCsv(const QString& path) const { return WriteBytes(path, csvText().toUtf8()); }
 
 void ChartWidget::exportAs(const QString& suffix) {
   const QString filter = suffix.toUpper() + " (*." + suffix + ")";
   QString path = QFileDialog::getSaveFileName(this, tr("Save Chart"), "graph." + suffix, filter);
   if (path.isEmpty()) return;
-  bool ok = suffix == "png" ? savePng(path) : suffix == "svg" ? saveSvg(path) : saveCsv(path);
-  // A failed write leaves any older file whole; the user only needs to know.
-  if (!ok) QMessageBox::warning(this, tr("Save Chart"), tr("The file could not be written."));
+  const FileResult r = suffix == "png" ? savePng(path) : suffix == "svg" ? saveSvg(path) : saveCsv(path);
+  // A failed write leaves any older file whole; the user only needs to know why.
+  if (!r) QMessageBox::warning(this, tr("Save Chart"), tr("The file could not be written: %1").arg(QString::fromStdString(r.error)));
 }
 
 void ChartWidget::contextMenuEvent(QContextMenuEvent* event) {

@@ -12,6 +12,7 @@
 #include <array>
 #include <vector>
 
+#include "engine/atomic_file.h"
 #include "graph/graph_plot.h"
 
 namespace merida {
@@ -69,10 +70,10 @@ class ChartWidget : public QChartView {
   QValueAxis* horizontalAxis() const { return xAxis_; }
   QAbstractAxis* verticalAxis() const;
 
-  // The exports of the context menu; false when the file could not be written.
-  bool savePng(const QString& path);
-  bool saveSvg(const QString& path);
-  bool saveCsv(const QString& path) const;
+  // The exports of the context menu, written atomically.
+  FileResult savePng(const QString& path);
+  FileResult saveSvg(const QString& path);
+  FileResult saveCsv(const QString& path) const;
   // The stored points as CSV: "x,y" per line, or "x1,y1,x2,y2" with two data sets.
   QString csvText() const;
 

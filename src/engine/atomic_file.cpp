@@ -8,8 +8,7 @@
 
 #include <cerrno>
 #include <chrono>
-#include <fstream>
-#include <sstream>
+#include <cstring>
 
 namespace merida {
 namespace {
@@ -21,6 +20,10 @@ bool WriteAll(int fd, std::string_view data) {
     ssize_t w = ::write(fd, data.data(), data.size());
     if (w < 0) {
       if (errno == EINTR) continue;
+      return false;
+    }
+    if (w == 0) {
+      errno = EIO;
       return false;
     }
     data.remove_prefix(static_cast<size_t>(w));
@@ -36,15 +39,24 @@ int Flock(int fd, int operation) {
   return r;
 }
 
-// The file a path finally names: symbolic links followed, even to a target not yet there.
-std::filesystem::path FinalTarget(std::filesystem::path path) {
-  std::error_code ec;
-  for (int hops = 0; hops < 40 && std::filesystem::is_symlink(path, ec); ++hops) {
-    std::filesystem::path link = std::filesystem::read_symlink(path, ec);
-    if (ec) break;
-    path = link.is_absolute() ? link : path.parent_path() / link;
-  }
-  return path;
+std::string Reason(int err) { return std::strerror(err); }
+
+// The kernel's rule for protected symlinks: in a sticky, world-writable directory a link is
+// followed only when its owner is the follower or the directory's owner.
+bool PlantedLink(const std::filesystem::path& link, const struct stat& linkStat) {
+  std::filesystem::path dir = link.parent_path();
+  if (dir.empty()) dir = ".";
+  struct stat d {};
+  if (::stat(dir.c_str(), &d) != 0) return true;
+  const bool shared = (d.st_mode & S_ISVTX) && (d.st_mode & S_IWOTH);
+  return shared && linkStat.st_uid != ::geteuid() && linkStat.st_uid != d.st_uid;
+}
+
+// Write permission as its mode gives it: root, whom the kernel lets write anything, is held
+// to the mode too, as an editor holds it, so that a file made read-only stays as it is.
+bool WriteProtected(const std::filesystem::path& path, const struct stat& st) {
+  if (::geteuid() == 0) return (st.st_mode & 0222) == 0;
+  return ::access(path.c_str(), W_OK) != 0 && (errno == EACCES || errno == EPERM || errno == EROFS);
 }
 
 std::string RandomSuffix() {
@@ -85,8 +97,33 @@ class DirectoryLock {
 
 }  // namespace
 
-bool WriteFileAtomically(const std::filesystem::path& path, std::string_view contents) {
-  std::filesystem::path target = FinalTarget(path);
+FileResult SaveTarget(const std::filesystem::path& path, std::filesystem::path& target) {
+  target = path;
+  for (int hops = 0;; ++hops) {
+    struct stat st {};
+    if (::lstat(target.c_str(), &st) != 0) {
+      if (errno == ENOENT) return {};  // a new file
+      return {Reason(errno)};
+    }
+    if (!S_ISLNK(st.st_mode)) {
+      if (!S_ISREG(st.st_mode)) return {S_ISDIR(st.st_mode) ? Reason(EISDIR) : "not a regular file"};
+      if (WriteProtected(target, st)) return {"the file is read-only"};
+      return {};
+    }
+    if (hops == 40) return {Reason(ELOOP)};
+    if (PlantedLink(target, st)) {
+      return {"a symbolic link another user owns in a shared directory (not followed)"};
+    }
+    std::error_code ec;
+    std::filesystem::path link = std::filesystem::read_symlink(target, ec);
+    if (ec) return {ec.message()};
+    target = link.is_absolute() ? link : target.parent_path() / link;
+  }
+}
+
+FileResult WriteFileAtomically(const std::filesystem::path& path, std::string_view contents) {
+  std::filesystem::path target;
+  if (FileResult refused = SaveTarget(path, target); !refused) return refused;
   std::filesystem::path dir = target.parent_path();
   if (dir.empty()) dir = ".";
   struct stat old {};
@@ -101,18 +138,23 @@ bool WriteFileAtomically(const std::filesystem::path& path, std::string_view con
     fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (fd < 0 && errno != EEXIST) break;
   }
-  if (fd < 0) return false;
+  if (fd < 0) return {Reason(errno)};
   Flock(fd, LOCK_EX);  // held until the rename is done: the file is not stale
   dirLock.unlock();
 
-  bool ok = !replacing || ::fchmod(fd, old.st_mode & 07777) == 0;
-  ok = ok && WriteAll(fd, contents) && ::fsync(fd) == 0;
-  if (ok) ok = ::rename(tmp.c_str(), target.c_str()) == 0;
+  int err = 0;
+  auto step = [&](bool ok) {
+    if (!ok && !err) err = errno ? errno : EIO;
+    return ok;
+  };
+  errno = 0;
+  bool ok = (!replacing || step(::fchmod(fd, old.st_mode & 07777) == 0)) && step(WriteAll(fd, contents)) &&
+            step(::fsync(fd) == 0) && step(::rename(tmp.c_str(), target.c_str()) == 0);
   if (!ok) ::unlink(tmp.c_str());
   ::close(fd);
-  if (!ok) return false;
+  if (!ok) return {Reason(err)};
   if (dirLock.fd() >= 0) ::fsync(dirLock.fd());
-  return true;
+  return {};
 }
 
 void RemoveStaleTemporaries(const std::filesystem::path& dir) {
@@ -133,23 +175,14 @@ void RemoveStaleTemporaries(const std::filesystem::path& dir) {
   }
 }
 
-std::optional<std::string> ReadWholeFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return std::nullopt;
-  std::ostringstream out;
-  out << in.rdbuf();
-  if (in.bad()) return std::nullopt;
-  return out.str();
-}
-
-FileLock::FileLock(const std::filesystem::path& path) {
+FileLock::FileLock(const std::filesystem::path& target, bool create) {
   // A save renames a new file over the old one, so the file locked may stop being the one
   // the path names before the lock is granted: then lock the new one.
   for (int attempt = 0; attempt < 100; ++attempt) {
-    int fd = ::open(path.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0666);
+    int fd = ::open(target.c_str(), O_RDONLY | (create ? O_CREAT : 0) | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666);
     if (fd < 0) return;
     struct stat held {}, named {};
-    if (Flock(fd, LOCK_EX) == 0 && ::fstat(fd, &held) == 0 && ::stat(path.c_str(), &named) == 0 &&
+    if (Flock(fd, LOCK_EX) == 0 && ::fstat(fd, &held) == 0 && ::stat(target.c_str(), &named) == 0 &&
         named.st_ino == held.st_ino && named.st_dev == held.st_dev) {
       fd_ = fd;
       return;

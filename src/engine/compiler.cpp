@@ -69,6 +69,7 @@ void Engine::ResetEngine() {
   for (auto& t : TokenTable) t.clear();
   for (auto& f : FunctionTable) f = FunctionHeader{};
   keptLines_.clear();
+  droppedLines_ = 0;
   storeBase_.clear();
   for (auto& line : storeLines_) line.clear();
   InvalidateCallCache();

@@ -87,6 +87,28 @@ struct SavedProgram {
   int16_t n = 0;
 };
 
+// One line of a store file as the loader meets it.
+struct StoreLine {
+  std::string_view text;
+  bool tooLong = false;  // longer than kMaxStoreLine: passed over unread
+};
+constexpr size_t kMaxStoreLine = 16384;
+// Lines that cannot be registered but are kept to be written back: beyond these a store is
+// not one this program wrote, and is loaded without them.
+constexpr size_t kMaxKeptLines = 256;
+
+// What a store load could not register.
+struct StoreLoadReport {
+  uint64_t failed = 0;   // lines that could not be registered; the first is shown
+  uint64_t dropped = 0;  // of them, lines not kept either: saving would lose them
+};
+
+// A merge of this program's functions into the store another program saved.
+struct StoreMerge {
+  std::string text;  // what to save
+  int conflict = 0;  // the error a function added here meets there (7 or 9); 0 when none
+};
+
 struct CompiledCode;  // the evaluator's flat form of a program
 struct LeanInstr;     // a step of its lean form
 using RegisterRunner = double (*)(const LeanInstr* steps, double* reg);
@@ -146,6 +168,10 @@ class Engine {
   // ShowError and ErrorFlag = 1: the usual way a step reports an error.
   void Fail(int code);
   const std::string& currentMessage() const { return currentMessage_; }
+  // Why a tool's action ended without a message, in a line of English ("the start is not below
+  // the end"): the window shows nothing, by its rules; the command line says it.
+  void EndSilently(std::string why) { silentReason_ = std::move(why); }
+  const std::string& silentReason() const { return silentReason_; }
 
   SavedProgram SaveProgram(int16_t n) const;
   void RestoreProgram(const SavedProgram& saved);
@@ -199,15 +225,24 @@ class Engine {
   bool DeleteFunction(int k);
   // The store file's text: one line per function, "@" for every comma, CR LF endings.
   std::string StoreText() const;
-  // Registers every line of a store text. A line that fails is reported and kept as written
-  // (StoreText writes it back in its place); a line that calls a missing function registers.
-  void LoadStoreText(std::string_view text);
+  // Registers every line `next` gives until it gives nullopt. A line that fails is kept as
+  // written (StoreText writes it back in its place) while kMaxKeptLines allow; past that, it
+  // and every line after it are dropped unread. Only the first failure is shown. A line that
+  // calls a missing function registers.
+  StoreLoadReport LoadStore(const std::function<std::optional<StoreLine>()>& next);
+  // The same on a store text in memory.
+  StoreLoadReport LoadStoreText(std::string_view text);
   // Store lines kept as written because they could not be registered.
   size_t keptLineCount() const { return keptLines_.size(); }
+  // Lines of the loaded store that were dropped: saving this engine's store would lose them.
+  uint64_t droppedStoreLines() const { return droppedLines_; }
+  // The functions become those of `text`, loaded without messages.
+  void ReplaceStore(std::string_view text);
   // The store text to save when another program may have saved since this engine last
-  // loaded or saved: `current` (the file now) without the lines deleted here, with the lines
-  // added here appended. Equals StoreText() when nobody else saved.
-  std::string MergedStoreText(std::string_view current) const;
+  // loaded or saved: `current` (an engine holding the file now) without the functions deleted
+  // here, then the functions added here, each checked as Rec checks it against what is
+  // already there. Equals StoreText() when nobody else saved.
+  StoreMerge MergedStore(const Engine& current) const;
   // After saving `text`: the functions become the saved text's (nothing is shown when a line
   // another program added cannot be registered), and it is the base of the next merge.
   void StoreSaved(std::string_view text);
@@ -242,6 +277,7 @@ class Engine {
 
   EngineHost* host_;
   std::string currentMessage_;
+  std::string silentReason_;
   uint64_t identityCounter_ = 0;
   int evalDepth_ = 0;
   std::vector<std::unique_ptr<CompiledCode>> code_;  // one per evaluation depth
@@ -275,6 +311,7 @@ class Engine {
     std::string text;
   };
   std::vector<KeptLine> keptLines_;
+  uint64_t droppedLines_ = 0;
   // A loaded function's store line as written, saved back unchanged (the list shows the
   // function as the tables hold it); empty for a function registered by Rec.
   std::array<std::string, kSlotCount> storeLines_;

@@ -276,6 +276,11 @@ std::optional<int16_t> ReadCountBox(std::string_view text) {
   return ToInt16(*v);
 }
 
+std::string CountReason(std::string_view what, std::string_view text, int low, int high) {
+  return std::string(what) + " must be a whole number from " + std::to_string(low) + " to " + std::to_string(high) +
+         " (not \"" + std::string(Trim(text)) + "\")";
+}
+
 std::optional<float> RecordValue(double v) {
   if (!std::isfinite(v) || std::fabs(v) > std::numeric_limits<float>::max()) return std::nullopt;
   return static_cast<float>(v);

@@ -112,6 +112,10 @@ bool StopRequestedAfterEvents(Engine& engine);
 // A count typed in a box: numeric, rounded halves to even, and fitting 16 bits; else nullopt.
 std::optional<int16_t> ReadCountBox(std::string_view text);
 
+// Why a tool ended without a message over a count box: "<what> must be a whole number from
+// <low> to <high> (not "<text>")", for Engine::EndSilently.
+std::string CountReason(std::string_view what, std::string_view text, int low, int high);
+
 // A value as the record table stores it (32-bit); nullopt when it overflows single precision.
 std::optional<float> RecordValue(double v);
 

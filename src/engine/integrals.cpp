@@ -127,7 +127,15 @@ bool Engine::ComputeIntegralEntry(IntegralEntry& entry) {
   auto divisions = ReadLimit(entry.FourthText);
   if (!divisions) return false;
   double count = std::nearbyint(*divisions);
-  if (!(count >= 1) || !(*a < *b)) return false;  // reversed limits end quietly
+  // Reversed limits end quietly.
+  if (!(count >= 1)) {
+    EndSilently("integ: the number of divisions must be at least 1");
+    return false;
+  }
+  if (!(*a < *b)) {
+    EndSilently("integ: the lower limit must be below the upper limit");
+    return false;
+  }
   if (count > 10000) count = 10000;
   int m = static_cast<int>(count);
   if (m % 2) ++m;

@@ -24,7 +24,7 @@ struct RecordFunctionTable {
   // values[i][j - 1] is row i, column j; row 0 is never filled by the loaders.
   std::array<std::array<float, 3>, kCapacity + 1> values{};
   int16_t kind = 0;
-  int32_t sampleRate = 0;
+  uint32_t sampleRate = 0;  // a WAVE file's rate, up to 2^32 - 1
 
   // Stores row i (1..5000) and sets count = i; rows above 5000 are ignored.
   void RecordPoint(int i, float a, float b, float c) {

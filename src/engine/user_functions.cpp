@@ -155,31 +155,45 @@ std::string Engine::StoreText() const {
   return out;
 }
 
-void Engine::LoadStoreText(std::string_view text) {
-  if (busy()) return;
+StoreLoadReport Engine::LoadStore(const std::function<std::optional<StoreLine>()>& next) {
+  StoreLoadReport report;
+  if (busy()) return report;
   const MissingCall savedMissing = missingCall_;
+  const bool savedMuted = muted_;
   // A body may call a function that a later line defines, or that was deleted: it registers,
   // and the call is error 4 while the function is missing.
   missingCall_ = MissingCall::kKept;
-  bool full = false;
-  size_t pos = 0;
-  while (pos < text.size()) {
-    size_t end = text.find('\n', pos);
-    if (end == std::string_view::npos) end = text.size();
-    std::string_view raw = text.substr(pos, end - pos);
-    pos = end + 1;
-    if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
+  // What cannot be registered stays in the store as the user wrote it, while there is room.
+  auto failedLine = [&](std::string_view raw, bool held) {
+    ++report.failed;
+    muted_ = true;  // one message is enough; the caller reports how many lines failed
+    if (held && keptLines_.size() < kMaxKeptLines) {
+      keptLines_.push_back(KeptLine{userFunctionCount(), std::string(raw)});
+    } else {
+      ++report.dropped;
+    }
+  };
+  while (std::optional<StoreLine> entry = next()) {
+    // Once a line is dropped the store will not be saved over: the rest are only counted, so
+    // that ten million lines of garbage cost a read, not ten million compilations.
+    if (report.dropped > 0 && (entry->tooLong || !Trim(entry->text).empty())) {
+      failedLine({}, false);
+      continue;
+    }
+    if (entry->tooLong) {
+      Fail(10);
+      failedLine({}, false);
+      continue;
+    }
+    std::string_view raw = entry->text;
     if (Trim(raw).empty()) continue;
-    // What cannot be registered stays in the store as the user wrote it.
-    auto keep = [&] { keptLines_.push_back(KeptLine{userFunctionCount(), std::string(raw)}); };
     if (!CheckLength(raw)) {
-      keep();
+      failedLine(raw, true);
       continue;
     }
     if (CurrentSlot >= kMaxWorkSlot) {
-      if (!full) Fail(9);
-      full = true;
-      keep();
+      Fail(9);
+      failedLine(raw, true);
       continue;
     }
     std::string line(raw);
@@ -188,13 +202,13 @@ void Engine::LoadStoreText(std::string_view text) {
     SplitFormula();
     // Integrals and sums are lifted as Rec does, so a stored body that holds them can be called.
     if (ExpandIntegrals() < 0 || failed() || ExpandSigmas() < 0 || failed()) {
-      keep();
+      failedLine(raw, true);
       continue;
     }
     ParseHeader();
     if (!failed()) TokenizeBody();
     if (failed()) {
-      keep();
+      failedLine(raw, true);
       continue;
     }
     ReinsertIntegralArguments(CurrentSlot);
@@ -202,48 +216,81 @@ void Engine::LoadStoreText(std::string_view text) {
     CurrentSlot += 1;
   }
   missingCall_ = savedMissing;
+  muted_ = savedMuted;
+  droppedLines_ += report.dropped;
   InvalidateCallCache();
   ErrorFlag = 0;
   BeginRun(-1, "");
   storeBase_ = StoreLines(StoreText());
+  return report;
 }
 
-std::string Engine::MergedStoreText(std::string_view current) const {
-  std::string ours = StoreText();
-  // The file in the form this engine writes, so that equal lines compare equal.
-  SilentHost silent;
-  Engine normalised(silent);
-  normalised.LoadStoreText(current);
-  std::vector<std::string> theirs = StoreLines(normalised.StoreText());
-  if (theirs == storeBase_) return ours;
-  std::vector<std::string> mine = StoreLines(ours);
+StoreLoadReport Engine::LoadStoreText(std::string_view text) {
+  size_t pos = 0;
+  return LoadStore([&]() -> std::optional<StoreLine> {
+    if (pos >= text.size()) return std::nullopt;
+    size_t end = text.find('\n', pos);
+    if (end == std::string_view::npos) end = text.size();
+    std::string_view raw = text.substr(pos, end - pos);
+    pos = end + 1;
+    if (!raw.empty() && raw.back() == '\r') raw.remove_suffix(1);
+    if (raw.size() > kMaxStoreLine) return StoreLine{{}, true};
+    return StoreLine{raw, false};
+  });
+}
+
+void Engine::ReplaceStore(std::string_view text) {
+  if (busy()) return;
+  for (int k = 1; k < CurrentSlot; ++k) {
+    TokenTable[k].clear();
+    FunctionTable[k] = FunctionHeader{};
+    storeLines_[k].clear();
+  }
+  CurrentSlot = 1;
+  keptLines_.clear();
+  droppedLines_ = 0;
+  muted_ = true;
+  LoadStoreText(text);
+  muted_ = false;
+}
+
+StoreMerge Engine::MergedStore(const Engine& current) const {
+  StoreMerge merge{StoreText(), 0};
+  std::vector<std::string> theirs = StoreLines(current.StoreText());
+  if (theirs == storeBase_) return merge;
+  std::vector<std::string> mine = StoreLines(merge.text);
   auto has = [](const std::vector<std::string>& lines, const std::string& line) {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
   };
-  std::string merged;
+  std::string kept;
   for (const std::string& line : theirs) {
-    if (!has(storeBase_, line) || has(mine, line)) merged += line + "\r\n";
+    if (!has(storeBase_, line) || has(mine, line)) kept += line + "\r\n";
   }
+  // Each function added here joins as a Rec would: a name already there, or a 50th function,
+  // stops the merge with that error.
+  struct FirstError : SilentHost {
+    int code = 0;
+    void showError(int c, const std::string&) override { code = code ? code : c; }
+  } host;
+  Engine merged(host);
+  merged.ReplaceStore(kept);
   for (const std::string& line : mine) {
-    if (!has(storeBase_, line) && !has(theirs, line)) merged += line + "\r\n";
+    if (has(storeBase_, line) || has(theirs, line)) continue;
+    const int before = merged.userFunctionCount();
+    host.code = 0;
+    merged.LoadStoreText(line);
+    if (merged.userFunctionCount() == before) {
+      merge.conflict = host.code ? host.code : 7;
+      return merge;
+    }
   }
-  return merged;
+  merge.text = merged.StoreText();
+  return merge;
 }
 
 void Engine::StoreSaved(std::string_view text) {
   if (busy()) return;
-  if (text != StoreText()) {
-    for (int k = 1; k < CurrentSlot; ++k) {
-      TokenTable[k].clear();
-      FunctionTable[k] = FunctionHeader{};
-      storeLines_[k].clear();
-    }
-    CurrentSlot = 1;
-    keptLines_.clear();
-    muted_ = true;
-    LoadStoreText(text);
-    muted_ = false;
-  }
+  if (text != StoreText()) ReplaceStore(text);
   storeBase_ = StoreLines(StoreText());
 }
 

@@ -43,9 +43,16 @@ std::optional<PlotRange> ReadRange(Engine& engine, AppState& state, const GraphB
   }
   std::optional<int16_t> n = ReadCountBox(boxes.divisions);
   out.end = PlotEnd::kSilent;
-  if (!n) return std::nullopt;
+  if (!n || *n < 1) {
+    engine.EndSilently(CountReason("the number of divisions", boxes.divisions, 1, 32767));
+    if (n) state.DivisionCount = *n;
+    return std::nullopt;
+  }
   state.DivisionCount = *n;
-  if (*n < 1 || !(r.start < r.end)) return std::nullopt;
+  if (!(r.start < r.end)) {
+    engine.EndSilently("the start of the range must be below its end");
+    return std::nullopt;
+  }
   r.n = *n;
   if (r.n >= kMaxGraphPoints) {
     r.n = kMaxGraphPoints - 1;

@@ -86,11 +86,12 @@ void FunctionListWindow::remove() {
 void FunctionListWindow::save() {
   std::error_code error;
   std::filesystem::path dir = std::filesystem::current_path(error);
-  if (!error && SaveUserFunctions(engine_, dir)) {
+  const FileResult r = error ? FileResult{error.message()} : SaveUserFunctions(engine_, dir);
+  if (r) {
     fill();  // the save may have merged in functions another program saved meanwhile
     return;
   }
-  QMessageBox::warning(this, windowTitle(), tr("MERIDA.DAT could not be written."));
+  QMessageBox::warning(this, windowTitle(), tr("MERIDA.DAT was not written: %1").arg(QString::fromStdString(r.error)));
 }
 
 }  // namespace merida

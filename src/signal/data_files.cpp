@@ -4,7 +4,6 @@
 #include "signal/data_files.h"
 
 #include <cmath>
-#include <fstream>
 
 #include "engine/formula_sampler.h"
 #include "engine/number_text.h"
@@ -29,19 +28,22 @@ uint32_t LittleEndian(std::string_view bytes, size_t at) {
 // Fields separated by commas or line ends, leading blanks skipped, a CR before LF dropped.
 class FieldReader {
  public:
-  explicit FieldReader(std::istream& in) : in_(*in.rdbuf()) {}
+  explicit FieldReader(ByteInput& in) : in_(in) {}
 
-  // The next field; nullopt at the end of the file or when the field is too long to be one.
+  // The next field; nullopt at the end of the input, and from a field too long to be one on.
   std::optional<std::string> next() {
-    using Traits = std::char_traits<char>;
-    int c = in_.sgetc();
-    if (c == Traits::eof()) return std::nullopt;
-    while (c == ' ') c = in_.snextc();
+    if (tooLong_) return std::nullopt;
+    int c = in_.peek();
+    if (c < 0) return std::nullopt;
+    while (c == ' ') {
+      in_.get();
+      c = in_.peek();
+    }
     std::string field;
     bool lineEnd = false;
     for (;;) {
-      c = in_.sbumpc();
-      if (c == Traits::eof() || c == ',') break;
+      c = in_.get();
+      if (c < 0 || c == ',') break;
       if (c == '\n') {
         lineEnd = true;
         break;
@@ -55,10 +57,48 @@ class FieldReader {
     if (lineEnd && !field.empty() && field.back() == '\r') field.pop_back();
     return field;
   }
+
+  // Passes over up to n fields without converting them; returns how many there were. The same
+  // length limit holds as for next().
+  int64_t skip(int64_t n) {
+    int64_t done = 0;
+    size_t length = 0;
+    bool started = false, leading = true;
+    while (done < n && !tooLong_) {
+      std::string_view at = in_.buffered();
+      if (at.empty()) {
+        if (started) ++done;  // the last field, without a separator after it
+        break;
+      }
+      size_t i = 0;
+      for (; i < at.size(); ++i) {
+        const char c = at[i];
+        if (c == ',' || c == '\n') {
+          started = false;
+          leading = true;
+          length = 0;
+          if (++done == n) {
+            ++i;
+            break;
+          }
+          continue;
+        }
+        started = true;
+        if (leading && c == ' ') continue;
+        leading = false;
+        if (++length > kMaxField) {
+          tooLong_ = true;
+          break;
+        }
+      }
+      in_.consume(i);
+    }
+    return done;
+  }
   bool tooLong() const { return tooLong_; }
 
  private:
-  std::streambuf& in_;
+  ByteInput& in_;
   bool tooLong_ = false;
 };
 
@@ -69,7 +109,7 @@ std::optional<float> FloatField(std::string_view field) { return RecordValue(Rea
 std::optional<int64_t> CountField(std::string_view field) {
   double v = std::nearbyint(ReadLenient(field));
   if (!(v >= 0)) return std::nullopt;
-  return v > 1e9 ? int64_t{1000000000} : static_cast<int64_t>(v);
+  return v > 1e18 ? int64_t{1000000000000000000} : static_cast<int64_t>(v);
 }
 
 LoadResult Refused(RecordFunctionTable& table, LoadResult r = {}) {
@@ -78,10 +118,20 @@ LoadResult Refused(RecordFunctionTable& table, LoadResult r = {}) {
   return r;
 }
 
-LoadResult Failed(Engine& engine, RecordFunctionTable& table, int code) {
-  engine.Fail(code);
-  return Refused(table);
+LoadResult Refused(RecordFunctionTable& table, std::string reason) {
+  LoadResult r;
+  r.reason = std::move(reason);
+  return Refused(table, r);
 }
+
+LoadResult Failed(RecordFunctionTable& table, int code) {
+  LoadResult r;
+  r.errorCode = code;
+  return Refused(table, r);
+}
+
+constexpr const char* kLongField = "a field is longer than 4096 characters";
+constexpr const char* kOutOfRange = "a value is out of the range of single precision";
 
 // A text file read whole: the table takes it, and the boxes show the count and the range.
 LoadResult TextLoaded(RecordFunctionTable& table, const RecordFunctionTable& read, RecordKind kind) {
@@ -104,16 +154,12 @@ DataFormat ReaderFor(std::string_view path) {
   return DataFormat::kMerida;
 }
 
-LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionTable& table) {
-  in.seekg(0, std::ios::end);
-  const std::streamoff fileSize = in.tellg();
-  in.seekg(0);
-  if (fileSize < 0 || !in) return Refused(table);
-  std::string header(static_cast<size_t>(std::min<std::streamoff>(fileSize, kWaveHeader)), '\0');
-  in.read(header.data(), static_cast<std::streamsize>(header.size()));
-  if (!in) return Refused(table);
+LoadResult ReadWave(ByteInput& in, std::string_view fullPath, RecordFunctionTable& table) {
+  std::string header(kWaveHeader, '\0');
+  header.resize(in.read(header.data(), kWaveHeader));
 
   LoadResult r;
+  r.reason = "not a WAVE file this program reads (8-bit mono PCM with a 44-byte header)";
   // Each field is shown as it is read, so a refused file leaves the failing one in Text1;
   // a field reaching past the end of the file fails with what was there.
   auto shown = [&](std::string text) {
@@ -124,7 +170,7 @@ LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionT
   auto byteText = [&](size_t at) {
     return at < header.size() ? std::to_string(static_cast<uint8_t>(header[at])) : std::string();
   };
-  if (chars(0, 4) != "RIFF") return Refused(table);
+  if (chars(0, 4) != "RIFF") return Refused(table, r);
   if (shown(chars(8, 7)) != "WAVEfmt") return Refused(table, r);
   if (shown(byteText(20)) != "1") return Refused(table, r);
   if (shown(byteText(22)) != "1") return Refused(table, r);
@@ -138,9 +184,8 @@ LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionT
   r.boxes.text2 = std::to_string(size);
 
   const int n = static_cast<int>(std::min<uint32_t>(size, RecordFunctionTable::kCapacity));
-  std::string samples(static_cast<size_t>(std::min<std::streamoff>(n, fileSize - static_cast<std::streamoff>(kWaveHeader))), '\0');
-  in.read(samples.data(), static_cast<std::streamsize>(samples.size()));
-  if (!in) return Refused(table, r);
+  std::string samples(static_cast<size_t>(n), '\0');
+  samples.resize(in.read(samples.data(), samples.size()));
   RecordFunctionTable t = table;
   t.count = static_cast<int16_t>(n);
   t.dimension = 1;
@@ -151,9 +196,10 @@ LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionT
     const size_t k = static_cast<size_t>(i - 1);
     t.values[i][0] = k < samples.size() ? static_cast<float>(static_cast<uint8_t>(samples[k]) - 128) : 0.0f;
   }
-  t.sampleRate = static_cast<int32_t>(rate);
+  t.sampleRate = rate;
   t.kind = WaveData;
   table = t;
+  r = {};
   r.loaded = true;
   r.boxes.text1 = std::string(fullPath);
   r.boxes.text2 = std::to_string(rate);
@@ -162,15 +208,19 @@ LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionT
   return r;
 }
 
-LoadResult ReadMeridaText(Engine& engine, std::istream& in, RecordFunctionTable& table) {
+LoadResult ReadMeridaText(ByteInput& in, RecordFunctionTable& table) {
   FieldReader fields(in);
   std::optional<std::string> tag = fields.next();
-  if (!tag || *tag != "MERIDA") return Failed(engine, table, kWrongFormatError);
-  std::optional<std::string> countText = fields.next(), startText = fields.next(), endText = fields.next();
-  if (!endText) return Refused(table);
+  if (!tag || *tag != "MERIDA") return Failed(table, kWrongFormatError);
+  std::optional<std::string> countText = fields.next();
+  std::optional<std::string> startText = fields.next();
+  std::optional<std::string> endText = fields.next();
+  if (fields.tooLong()) return Refused(table, kLongField);
+  if (!countText || !startText || !endText) return Refused(table, "the count or the range is missing");
   std::optional<int64_t> n = CountField(*countText);
+  if (!n) return Refused(table, "the count is negative");
   std::optional<float> start = FloatField(*startText), end = FloatField(*endText);
-  if (!n || !start || !end) return Refused(table);
+  if (!start || !end) return Refused(table, kOutOfRange);
   RecordFunctionTable t = table;
   t.rangeStart = *start;
   t.rangeEnd = *end;
@@ -180,59 +230,85 @@ LoadResult ReadMeridaText(Engine& engine, std::istream& in, RecordFunctionTable&
     std::optional<std::string> field = fields.next();
     if (!field) break;
     std::optional<float> v = FloatField(*field);
-    if (!v) return Refused(table);
+    if (!v) return Refused(table, kOutOfRange);
     t.values[row][0] = *v;
   }
-  if (fields.tooLong()) return Refused(table);
+  if (fields.tooLong()) return Refused(table, kLongField);
   return TextLoaded(table, t, MeridaTextData);
 }
 
-LoadResult ReadOrbita(Engine& engine, std::istream& in, RecordFunctionTable& table) {
+LoadResult ReadOrbita(ByteInput& in, RecordFunctionTable& table) {
   FieldReader fields(in);
   std::optional<std::string> tag = fields.next();
-  if (!tag || *tag != "ORBITA") return Failed(engine, table, kWrongFormatError);
-  std::optional<std::string> dText = fields.next(), nText = fields.next();
-  if (!nText) return Refused(table);
+  if (!tag || *tag != "ORBITA") return Failed(table, kWrongFormatError);
+  std::optional<std::string> dText = fields.next();
+  std::optional<std::string> nText = fields.next();
+  if (fields.tooLong()) return Refused(table, kLongField);
+  if (!dText || !nText) return Refused(table, "the column or row count is missing");
   const double d = std::nearbyint(ReadLenient(*dText));
-  if (!(d >= 1 && d <= 3)) return Failed(engine, table, kColumnCountError);
+  if (!(d >= 1 && d <= 3)) return Failed(table, kColumnCountError);
   // A negative row count promises nothing a column could match.
   std::optional<int64_t> n = CountField(*nText);
-  if (!n) return Failed(engine, table, kDataCountError);
+  if (!n) return Failed(table, kDataCountError);
   RecordFunctionTable t = table;
   t.dimension = static_cast<int16_t>(d);
   int64_t first = -1;
   for (int j = 1; j <= t.dimension; ++j) {
     int64_t read = 0;
-    while (read < *n) {
+    const int64_t stored = std::min<int64_t>(*n, RecordFunctionTable::kCapacity);
+    while (read < stored) {
       std::optional<std::string> field = fields.next();
       if (!field) break;
       ++read;
       std::optional<float> v = FloatField(*field);
-      if (!v) return Refused(table);
-      if (read <= RecordFunctionTable::kCapacity) t.values[read][j - 1] = *v;
+      if (!v) return Refused(table, kOutOfRange);
+      t.values[read][j - 1] = *v;
     }
-    if (fields.tooLong()) return Refused(table);
-    if ((read < *n && read < RecordFunctionTable::kCapacity) || (first >= 0 && read != first)) {
-      return Failed(engine, table, kDataCountError);
-    }
+    // Values past the 5000th are only counted, and only where a later column must match.
+    if (read == stored && read < *n && t.dimension > 1) read += fields.skip(*n - read);
+    if (fields.tooLong()) return Refused(table, kLongField);
+    const bool full = read >= RecordFunctionTable::kCapacity;
+    if ((read < *n && !full) || (first >= 0 && read != first)) return Failed(table, kDataCountError);
     if (first < 0) first = read;
   }
   t.count = static_cast<int16_t>(std::min<int64_t>(*n, RecordFunctionTable::kCapacity));
   return TextLoaded(table, t, OrbitaData);
 }
 
+LoadResult ReadDataFile(RecordFunctionTable& table, const std::filesystem::path& path, std::stop_token stop) {
+  const std::string name = path.filename().string();
+  std::string why;
+  std::optional<ByteInput> in = ByteInput::Open(path, why);
+  if (!in) {
+    LoadResult r = Refused(table, "cannot read " + name + ": " + why);
+    r.shown = why == "not a regular file";
+    return r;
+  }
+  in->setStopToken(std::move(stop));
+  // The readers fill a copy: a read that fails or is stopped half way leaves the rows alone.
+  RecordFunctionTable read = table;
+  LoadResult r;
+  switch (ReaderFor(path.string())) {
+    case DataFormat::kWave: r = ReadWave(*in, path.string(), read); break;
+    case DataFormat::kOrbita: r = ReadOrbita(*in, read); break;
+    case DataFormat::kMerida: r = ReadMeridaText(*in, read); break;
+  }
+  if (!in->error().empty() || in->stopped()) {
+    LoadResult refused = Refused(table, in->stopped() ? "stopped" : "cannot read " + name + ": " + in->error());
+    refused.shown = !in->stopped();
+    refused.stopped = in->stopped();
+    return refused;
+  }
+  table = read;
+  if (!r.loaded && r.errorCode == 0 && !r.reason.empty()) r.reason = name + ": " + r.reason;
+  return r;
+}
+
 LoadResult LoadDataFile(Engine& engine, RecordFunctionTable& table, const std::filesystem::path& path) {
   engine.ErrorFlag = 0;
-  const DataFormat format = ReaderFor(path.string());
-  std::ifstream in(path, std::ios::binary);
-  std::error_code ec;
-  if (!in || std::filesystem::is_directory(path, ec)) return Refused(table);
-  switch (format) {
-    case DataFormat::kWave: return ReadWave(in, path.string(), table);
-    case DataFormat::kOrbita: return ReadOrbita(engine, in, table);
-    case DataFormat::kMerida: return ReadMeridaText(engine, in, table);
-  }
-  return Refused(table);
+  LoadResult r = ReadDataFile(table, path);
+  if (r.errorCode) engine.Fail(r.errorCode);
+  return r;
 }
 
 std::vector<ChartPoint> FileDisplayPoints(const RecordFunctionTable& table) {

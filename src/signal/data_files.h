@@ -4,7 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <istream>
+#include <stop_token>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "engine/engine.h"
+#include "engine/file_input.h"
 #include "engine/record_table.h"
 #include "graph/graph_plot.h"
 
@@ -31,18 +32,30 @@ struct LoadBoxes {
 struct LoadResult {
   bool loaded = false;  // the table holds the file; otherwise its kind is NoData
   LoadBoxes boxes;
+  int errorCode = 0;    // 39, 41 or 43: LoadDataFile shows it through the engine
+  // Why a load was refused when no error number says it, for the command line. The window
+  // shows it only when `shown`: a file found but not readable (an I/O error, a FIFO); the
+  // rest ends silently there.
+  std::string reason;
+  bool shown = false;
+  bool stopped = false;  // a stop request ended the load; the rows are as they were
 };
 
-// Load: reads `path` into `table` with the reader ReaderFor chooses. A failed load changes
-// nothing but the kind (NoData): the rows are replaced only when the whole file has been
-// read. Errors 39, 41 and 43 are shown through the engine; other failures are silent.
+// Reads `path` into `table` with the reader ReaderFor chooses; touches nothing else, so it
+// may run on a worker thread over a copy of the table. A failed, refused or stopped load
+// changes nothing but the kind (NoData): the rows are replaced only when the whole file has
+// been read. `stop` ends a load within its next 64 KiB.
+LoadResult ReadDataFile(RecordFunctionTable& table, const std::filesystem::path& path, std::stop_token stop = {});
+
+// Load: ReadDataFile, then errors 39, 41 and 43 shown through the engine.
 LoadResult LoadDataFile(Engine& engine, RecordFunctionTable& table, const std::filesystem::path& path);
 
-// The readers on an open file (binary mode). They read no more than they use: a WAVE header
-// and at most 5000 samples; text fields up to the last one needed.
-LoadResult ReadWave(std::istream& in, std::string_view fullPath, RecordFunctionTable& table);
-LoadResult ReadMeridaText(Engine& engine, std::istream& in, RecordFunctionTable& table);
-LoadResult ReadOrbita(Engine& engine, std::istream& in, RecordFunctionTable& table);
+// The readers. They read no more than they use: a WAVE header and at most 5000 samples; text
+// fields up to the last one needed, passing over values past the 5000th unparsed. They fill
+// `table` whole, or set its kind to NoData and leave its rows.
+LoadResult ReadWave(ByteInput& in, std::string_view fullPath, RecordFunctionTable& table);
+LoadResult ReadMeridaText(ByteInput& in, RecordFunctionTable& table);
+LoadResult ReadOrbita(ByteInput& in, RecordFunctionTable& table);
 
 // The File Display chart: column 1 against rangeStart + (i - 1) * dx, dx spreading the range
 // over the count. A count of 0 has no step: the chart is empty.

@@ -63,10 +63,17 @@ FftGoResult FrequencyAnalysis::go(std::string_view formula, const FftBoxes& boxe
     t1 = engine_.failed() ? 0 : engine_.EvaluateConstantText(boxes.to);
     if (engine_.failed()) return engine_.FaultFlag ? FftEnd::kFault : FftEnd::kError;
     std::optional<int> n = FrameLength(boxes.num);
-    if (!n) return FftEnd::kSilent;
+    if (!n) {
+      engine_.EndSilently("the number of points must be a number of at least 1 (not \"" + std::string(Trim(boxes.num)) +
+                          "\")");
+      return FftEnd::kSilent;
+    }
     n_ = *n;
     r.numBox = std::to_string(n_);
-    if (!(t0 < t1)) return FftEnd::kSilent;
+    if (!(t0 < t1)) {
+      engine_.EndSilently("the start of the range must be below its end");
+      return FftEnd::kSilent;
+    }
     return std::nullopt;
   };
   double t0 = 0, t1 = 0;
@@ -104,7 +111,10 @@ FftGoResult FrequencyAnalysis::go(std::string_view formula, const FftBoxes& boxe
   } else {
     RecordFunctionTable& table = state_.Records;
     engine_.ErrorFlag = 0;
-    if (table.kind < 1) return ended(FftEnd::kSilent);
+    if (table.kind < 1) {
+      engine_.EndSilently("no data is loaded");
+      return ended(FftEnd::kSilent);
+    }
     if (table.kind != static_cast<int16_t>(source)) {
       engine_.Fail(kWrongRecordError);
       return ended(FftEnd::kError);

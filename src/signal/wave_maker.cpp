@@ -17,8 +17,9 @@ namespace {
 constexpr int kGraphVariablesError = 24;
 constexpr int kMeridaFileSamples = 5000;
 
-WaveResult Failed(Engine& engine, WaveEnd end = WaveEnd::kFailed) {
-  if (end == WaveEnd::kFailed) EndRunOnFault(engine);
+// Every run-time failure (an overflow, a constant, a write) ends Go as a fault does.
+WaveResult Failed(Engine& engine, WaveEnd end) {
+  if (end == WaveEnd::kFault || end == WaveEnd::kConstant || end == WaveEnd::kWriteError) EndRunOnFault(engine);
   else engine.BindToX = -1;
   WaveResult r;
   r.end = end;
@@ -39,15 +40,21 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
     engine.Fail(kGraphVariablesError);
     s = PointStatus::kError;
   }
-  if (s != PointStatus::kOk) return Failed(engine, s == PointStatus::kFault ? WaveEnd::kFailed : WaveEnd::kError);
+  if (s != PointStatus::kOk) return Failed(engine, s == PointStatus::kFault ? WaveEnd::kFault : WaveEnd::kError);
   const double t0 = engine.EvaluateConstantText(boxes.from);
   const double t1 = engine.failed() ? 0 : engine.EvaluateConstantText(boxes.to);
-  if (engine.failed()) return Failed(engine, engine.FaultFlag ? WaveEnd::kFailed : WaveEnd::kError);
+  if (engine.failed()) return Failed(engine, engine.FaultFlag ? WaveEnd::kFault : WaveEnd::kError);
   const double dt = 1.0 / kWaveSampleRate;
   const double steps = std::nearbyint((t1 - t0) / dt);
-  if (!(t1 > t0)) return Failed(engine, WaveEnd::kSilent);
+  if (!(t1 > t0)) {
+    engine.EndSilently("the end time is not after the start time");
+    return Failed(engine, WaveEnd::kSilent);
+  }
   const int n = steps >= kMaxWaveSamples ? kMaxWaveSamples : static_cast<int>(steps);
-  if (n < 1) return Failed(engine, WaveEnd::kSilent);  // a range shorter than half a sample
+  if (n < 1) {
+    engine.EndSilently("the time range is shorter than half a sample (1/22050 s)");
+    return Failed(engine, WaveEnd::kSilent);
+  }
   if (sampling) sampling();
 
   std::vector<float> samples(static_cast<size_t>(n) + 1);
@@ -62,7 +69,7 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
   };
   auto stopped = [&](PointStatus p) -> std::optional<WaveResult> {
     if (p == PointStatus::kError) return Failed(engine, WaveEnd::kError);
-    if (p == PointStatus::kFault) return Failed(engine);
+    if (p == PointStatus::kFault) return Failed(engine, WaveEnd::kFault);
     if (StopRequestedAfterEvents(engine)) return Failed(engine, WaveEnd::kStopped);
     return std::nullopt;
   };
@@ -84,7 +91,7 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
     r.fileName = Trim(boxes.name).empty() ? "mrdsound.wav" : boxes.name;
     auto [low, high] = std::minmax_element(values.begin(), values.end());
     const double min = *low, max = *high;
-    if (!(max > min)) return Failed(engine);  // a constant cannot be scaled onto 0..255
+    if (!(max > min)) return Failed(engine, WaveEnd::kConstant);  // nothing to scale onto 0..255
     std::vector<uint8_t> bytes(values.size());
     for (size_t i = 0; i < values.size(); ++i) {
       bytes[i] = static_cast<uint8_t>(std::nearbyint((values[i] - min) * 255 / (max - min)));
@@ -92,7 +99,12 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
     contents = WaveFileBytes(bytes);
   }
   r.written = dir / r.fileName;
-  if (!WriteFileAtomically(r.written, contents)) return Failed(engine);
+  if (FileResult w = WriteFileAtomically(r.written, contents); !w) {
+    WaveResult failed = Failed(engine, WaveEnd::kWriteError);
+    failed.fileName = r.fileName;
+    failed.writeError = w.error;
+    return failed;
+  }
   r.end = WaveEnd::kWritten;
   return r;
 }

@@ -21,9 +21,11 @@ struct WaveBoxes {
 enum class WaveEnd {
   kWritten,
   kSilent,   // the end time is not after the start: nothing written, no message
-  kError,    // the engine has shown its message
-  kFailed,   // a run-time failure (overflow, a constant formula, a file that cannot be written)
-  kStopped,  // the window was closed during sampling
+  kError,       // the engine has shown its message
+  kFault,       // an overflow: a sample too large for single precision, or an arithmetic fault
+  kConstant,    // every sample equal: nothing to scale onto the bytes
+  kWriteError,  // the file could not be written; writeError says why
+  kStopped,     // the window was closed during sampling
 };
 
 struct WaveResult {
@@ -31,6 +33,7 @@ struct WaveResult {
   int samples = 0;                  // n, after the cap
   std::string fileName;             // what Text3 shows after a file is written
   std::filesystem::path written;    // the full path Test plays
+  std::string writeError;           // the system's reason ("No space left on device")
 };
 
 constexpr int kMaxWaveSamples = 11025;

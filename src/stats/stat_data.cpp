@@ -114,7 +114,7 @@ std::string StatData::orbitaText() const {
   return text;
 }
 
-bool StatData::writeFile(const std::filesystem::path& dir) const {
+FileResult StatData::writeFile(const std::filesystem::path& dir) const {
   return WriteFileAtomically(dir / "ORBITA.ORB", orbitaText());
 }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "engine/atomic_file.h"
 #include "engine/record_table.h"
 
 namespace merida {
@@ -44,8 +45,8 @@ class StatData {
   void storeInto(RecordFunctionTable& table) const;
   // The ORBITA.ORB text: tag, d, n, then the cells column by column, CR LF lines.
   std::string orbitaText() const;
-  // File: writes ORBITA.ORB in `dir` atomically; false on any failure (nothing is shown).
-  bool writeFile(const std::filesystem::path& dir) const;
+  // File: writes ORBITA.ORB in `dir` atomically (the window shows no failure).
+  FileResult writeFile(const std::filesystem::path& dir) const;
 
  private:
   void resize(int d, int n);

@@ -38,12 +38,16 @@ INSTANTIATE_TEST_SUITE_P(
                        "error 32: 等高線の変数名はｘとｙだけです\n"},
         CliCase{"ThreeVariables", {"--x", "0,1,4", "--y", "0,1,4", "x*y*z"}, 1, "",
                        "error 31: 等高線の変数は2個です\n"},
-        CliCase{"ReversedRange", {"--x", "2,-2,20", "--y", "-2,2,20", "x"}, 1, "", ""},
+        CliCase{"ReversedRange", {"--x", "2,-2,20", "--y", "-2,2,20", "x"}, 1, "",
+                "merida-cli: the start of the x range must be below its end\n"},
+        CliCase{"TooManyDivisions", {"--x", "0,1,32768", "--y", "0,1,10", "x"}, 1, "",
+                "merida-cli: the number of x divisions must be a whole number from 1 to 32767 (not \"32768\")\n"},
         CliCase{"Overflow", {"--x", "0,100,4", "--y", "0,100,4", "exp(x*y)"}, 3, "", "fault: Overflow\n"},
         CliCase{"CappedStep", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "0,400,150", "x-0.5"}, 0,
                        "0 ～ 4\n0.5 0 0.5 1\n", "Text9: 100\n"},
         CliCase{"LowestNotBelowHighest", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "2.5,1.5,1", "x"}, 1,
-                       "0 ～ 4\n", ""},
+                       "0 ～ 4\n",
+                "merida-cli: the lowest level must be below the highest, once both are rounded to whole numbers\n"},
         CliCase{"LevelError", {"--x", "0,4,4", "--y", "0,1,1", "--levels", "1,4*,1", "x"}, 1, "0 ～ 4\n",
                        "error 22: 文法エラーです\n"},
         CliCase{"MissingY", {"--x", "0,4,4", "x"}, 2, "", kUsage},
@@ -131,7 +135,7 @@ TEST_F(ContourCliFiles, AFileThatCannotBeWrittenFails) {
   test::CliResult r = test::RunCli(
       {"contour", "--x", "0,1,2", "--y", "0,1,2", "--draw", "cube", "--out", "no/such/dir/a.png", "x"});
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "merida-cli: cannot write no/such/dir/a.png\n");
+  EXPECT_EQ(r.err, "merida-cli: cannot write no/such/dir/a.png: No such file or directory\n");
   EXPECT_FALSE(std::filesystem::exists(dir_ / "no"));
 }
 #endif

@@ -30,7 +30,7 @@ TEST_F(StatCliTest, EachButtonPrintsItsBoxes) {
        ".5\n.5\n3.5\n.25\n.25\n3.25\n.\n.5\n.75\n.\n.5547\n.83205\n1.\n1.\n-1.\n1.\n2.\n3.\n1.\n", ""},
       {"YColumnOutsideTheData", {"stat", "regres", "--column", "2", "line.orb"}, 1, "", "error 45: 次元の数が多すぎます\n"},
       {"MultRegNeedsThree", {"stat", "multreg", "line.orb"}, 1, "", "error 49: 重回帰は３次元ﾃﾞｰﾀです\n"},
-      {"NoSuchFile", {"stat", "ave", "none.orb"}, 1, "", ""},
+      {"NoSuchFile", {"stat", "ave", "none.orb"}, 1, "", "merida-cli: cannot read none.orb: No such file or directory\n"},
       {"UnknownButton", {"stat", "median", "line.orb"}, 2, "", "usage: ", true},
       {"T", {"test", "t", "--pop", "50 -1", "--sample", "53 4 10"}, 0, "2.25\n2.262\n標本の平均値は、母集団と異なるとは言えない\n", ""},
       {"Normal1", {"test", "t", "--level", "1", "--pop", "50 6", "--sample", "53 -1 16"}, 0,

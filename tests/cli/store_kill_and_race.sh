@@ -3,6 +3,7 @@
 # 1. A save killed at a random moment leaves the old store or the new one, whole, and the
 #    next start leaves no temporary file behind.
 # 2. Two rec at the same moment: both succeed and neither function is lost.
+# 3. Many rec at once: the store's limits hold as if they had run one after another.
 # Usage: store_kill_and_race.sh MERIDA_CLI
 set -u
 cli=$1
@@ -77,3 +78,32 @@ printf '%s\n' "$listed" | grep -qxF "r(x)=x" || fail "lost r(x)=x"
 [ "$(printf '%s\n' "$listed" | wc -l)" -eq 40 ] || fail "expected 40 functions, got: $listed"
 [ "$(temporaries)" -eq 0 ] || fail "temporary files left after the races"
 echo "race: 20 rounds of two rec at once, nothing lost"
+
+# 3. Many rec at once act as one after another: 60 new functions leave 49 stored and 11
+#    refused with error 9; 10 of the same name leave one, the others refused with error 7.
+#    Every exit 0 is a function stored, and the next start reports nothing.
+many() {  # many DIR COUNT NAME_PREFIX_SAME(0|1)
+  mkdir "$work/$1" && cd "$work/$1" || exit 1
+  pids=()
+  for i in $(seq 1 "$2"); do
+    if [ "$3" -eq 1 ]; then f="s(x)=x+$i"; else f="m$i(x)=x+$i"; fi
+    "$cli" rec "$f" >"out$i" 2>"err$i" &
+    pids+=($!)
+  done
+  ok=0 refused=0
+  for i in $(seq 1 "$2"); do
+    if wait "${pids[$((i - 1))]}"; then ok=$((ok + 1)); else refused=$((refused + 1)); fi
+  done
+  echo "$ok $refused"
+}
+read -r ok refused < <(many sixty 60 0)
+[ "$ok" -eq 49 ] && [ "$refused" -eq 11 ] || fail "60 rec at once: $ok stored, $refused refused"
+[ "$(grep -l 'error 9:' "$work"/sixty/err* | wc -l)" -eq 11 ] || fail "60 rec at once: not every refusal is error 9"
+cd "$work/sixty" || exit 1
+[ "$("$cli" list 2>err | wc -l)" -eq 49 ] && [ ! -s err ] || fail "after 60 rec: $(cat err)"
+read -r ok refused < <(many same 10 1)
+[ "$ok" -eq 1 ] && [ "$refused" -eq 9 ] || fail "10 rec of one name: $ok stored, $refused refused"
+[ "$(grep -l 'error 7:' "$work"/same/err* | wc -l)" -eq 9 ] || fail "10 rec of one name: not every refusal is error 7"
+cd "$work/same" || exit 1
+[ "$("$cli" list 2>err | wc -l)" -eq 1 ] && [ ! -s err ] || fail "after 10 rec of one name: $(cat err)"
+echo "many: 60 rec at once stored 49, 10 rec of one name stored 1"

@@ -19,7 +19,7 @@ mode_t ModeOf(const char* path) {
   return ::stat(path, &st) == 0 ? (st.st_mode & 07777) : 0;
 }
 
-std::string Contents(const char* path) { return ReadWholeFile(path).value_or("<unreadable>"); }
+std::string Contents(const char* path) { return test::FileText(path).value_or("<unreadable>"); }
 
 std::vector<std::string> Temporaries() {
   std::vector<std::string> names;
@@ -37,7 +37,7 @@ TEST_F(AtomicFileTest, NewFilesFollowTheUmaskReplacedFilesKeepTheirMode) {
   };
   const Row rows[] = {
       {022, -1, 0644}, {077, -1, 0600}, {002, -1, 0664}, {0, -1, 0666},
-      {022, 0640, 0640}, {077, 0664, 0664}, {022, 0600, 0600}, {0, 0444, 0444},
+      {022, 0640, 0640}, {077, 0664, 0664}, {022, 0600, 0600}, {0, 0200, 0200},
   };
   for (const Row& r : rows) {
     SCOPED_TRACE(testing::Message() << std::oct << "umask " << r.umask << " existing " << r.existing);
@@ -47,9 +47,9 @@ TEST_F(AtomicFileTest, NewFilesFollowTheUmaskReplacedFilesKeepTheirMode) {
       ASSERT_EQ(::chmod("MERIDA.DAT", static_cast<mode_t>(r.existing)), 0);
     }
     mode_t previous = ::umask(r.umask);
-    bool ok = WriteFileAtomically("MERIDA.DAT", "new\r\n");
+    FileResult written = WriteFileAtomically("MERIDA.DAT", "new\r\n");
     ::umask(previous);
-    ASSERT_TRUE(ok);
+    ASSERT_TRUE(written) << written.error;
     EXPECT_EQ(ModeOf("MERIDA.DAT"), r.expected);
     EXPECT_EQ(Contents("MERIDA.DAT"), "new\r\n");
     EXPECT_TRUE(Temporaries().empty());
@@ -105,13 +105,73 @@ TEST_F(AtomicFileTest, OnlyTemporariesWhoseWriterIsGoneAreRemoved) {
   EXPECT_TRUE(Temporaries().empty());
 }
 
-TEST_F(AtomicFileTest, AFailedWriteLeavesTheOldFileAndNoTemporary) {
-  std::ofstream("MERIDA.DAT") << "old";
-  EXPECT_FALSE(WriteFileAtomically("missing/MERIDA.DAT", "new"));
-  std::filesystem::create_directory("MERIDA.DIR");
-  EXPECT_FALSE(WriteFileAtomically("MERIDA.DIR", "new"));  // rename over a directory fails
-  EXPECT_EQ(Contents("MERIDA.DAT"), "old");
-  EXPECT_TRUE(std::filesystem::is_directory("MERIDA.DIR"));
+// A refused or failed save says why and changes nothing: not the target, not what a link
+// names, and it leaves no temporary.
+TEST_F(AtomicFileTest, RefusedAndFailedSavesChangeNothing) {
+  struct Row {
+    const char* path;
+    const char* reason;
+  };
+  std::ofstream("kept") << "old";
+  std::ofstream("readonly") << "old";
+  ::chmod("readonly", 0444);
+  std::filesystem::create_directory("dir");
+  ::mkfifo("fifo", 0644);
+  std::filesystem::create_symlink("/dev/null", "null");
+  std::filesystem::create_symlink("loop", "loop");
+  std::filesystem::create_symlink("readonly", "to-readonly");
+  const Row rows[] = {
+      {"missing/MERIDA.DAT", "No such file or directory"},
+      {"dir", "Is a directory"},
+      {"fifo", "not a regular file"},
+      {"null", "not a regular file"},  // never a device, even when root may write it
+      {"loop", "Too many levels of symbolic links"},
+      {"readonly", "the file is read-only"},  // even to root, as the mode says
+      {"to-readonly", "the file is read-only"},
+  };
+  for (const Row& r : rows) {
+    FileResult w = WriteFileAtomically(r.path, "new");
+    EXPECT_EQ(w.error, r.reason) << r.path;
+  }
+  EXPECT_EQ(Contents("readonly"), "old");
+  EXPECT_EQ(ModeOf("readonly"), 0444u);
+  EXPECT_TRUE(std::filesystem::is_fifo("fifo"));
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+  EXPECT_TRUE(Temporaries().empty());
+}
+
+// The kernel's rule for links in a sticky, world-writable directory such as /tmp: followed
+// when the link is the writer's own or the directory owner's, refused when another user
+// planted it. Changing owners needs root.
+TEST_F(AtomicFileTest, LinksPlantedByAnotherUserInAStickyDirectoryAreNotFollowed) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root to give a link to another user";
+  constexpr uid_t kOther = 65534;
+  struct Row {
+    uid_t dirOwner, linkOwner;
+    mode_t dirMode;
+    bool followed;
+  };
+  const Row rows[] = {
+      {0, kOther, 01777, false},  // planted by another user
+      {0, 0, 01777, true},        // the writer's own
+      {kOther, kOther, 01777, true},  // the directory owner's
+      {0, kOther, 0777, true},    // not sticky: anyone could replace the file anyway
+  };
+  std::ofstream("victim") << "precious";
+  for (const Row& r : rows) {
+    SCOPED_TRACE(testing::Message() << "dir " << r.dirOwner << " link " << r.linkOwner << std::oct << " mode " << r.dirMode);
+    std::filesystem::remove_all("shared");
+    std::filesystem::create_directory("shared");
+    ASSERT_EQ(::chmod("shared", r.dirMode), 0);
+    ASSERT_EQ(::chown("shared", r.dirOwner, 0), 0);
+    std::filesystem::create_symlink(std::filesystem::absolute("victim"), "shared/out.wav");
+    ASSERT_EQ(::lchown("shared/out.wav", r.linkOwner, 0), 0);
+    std::ofstream("victim") << "precious";
+    FileResult w = WriteFileAtomically("shared/out.wav", "new");
+    EXPECT_EQ(static_cast<bool>(w), r.followed) << w.error;
+    EXPECT_EQ(Contents("victim"), r.followed ? "new" : "precious");
+    EXPECT_TRUE(std::filesystem::is_symlink("shared/out.wav"));
+  }
   EXPECT_TRUE(Temporaries().empty());
 }
 

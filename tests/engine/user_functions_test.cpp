@@ -1,4 +1,6 @@
 // User functions: Rec, calls, the list, delete, the store text and loading it.
+#include <sys/stat.h>
+
 #include <fstream>
 
 #include "engine/engine.h"
@@ -177,13 +179,14 @@ TEST_F(StoreTest, LinesThatCannotBeRegisteredAreKeptWhereTheyWere) {
     int registered;
     std::string saved;
   };
-  const std::string huge = "f(x)=x+" + std::string(100000, 'a');
+  const std::string huge = "f(x)=x+" + std::string(10000, 'a');
   std::string sixty;
   for (int i = 1; i <= 60; ++i) sixty += "f" + std::to_string(i) + "(x)=x+" + std::to_string(i) + "\r\n";
+  // Only the first line that fails is shown; the rest are kept all the same.
   const Row rows[] = {
-      {"a(x)=x+1\r\na(y)=y\n\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3", {7, 21, 23}, 2,
+      {"a(x)=x+1\r\na(y)=y\n\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3", {7}, 2,
        "a(x)=x+1\r\na(y)=y\r\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3\r\n"},
-      {"f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n", {21, 21, 21, 21}, 0,
+      {"f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n", {21}, 0,
        "f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n"},
       {"g(x)=nothere(x)*2\r\nk()=(g(1)\r\n", {23}, 1, "g(x)=nothere(x)*2\r\nk()=(g(1)\r\n"},
       {huge + "\r\nok(x)=x\r\n", {10}, 1, huge + "\r\nok(x)=x\r\n"},
@@ -200,6 +203,63 @@ TEST_F(StoreTest, LinesThatCannotBeRegisteredAreKeptWhereTheyWere) {
     ASSERT_TRUE(SaveUserFunctions(e, "."));
     EXPECT_EQ(ReadFile("MERIDA.DAT"), r.saved);
   }
+}
+
+// A store that is not one this program wrote (lines too long to hold, or more lines that fail
+// than it keeps) loads what it can, says so in one line, and is never saved over.
+TEST_F(StoreTest, StoresTooLargeToKeepLoadWhatTheyCanAndAreNotSavedOver) {
+  struct Row {
+    const char* name;
+    std::string stored;
+    uint64_t failed, dropped;
+    int registered;
+  };
+  std::string many = "ok(x)=x\r\n";
+  for (int i = 0; i < 100000; ++i) many += "bad(\r\n";
+  const Row rows[] = {
+      {"a line of 1 MB", "a(x)=x\r\n" + std::string(1 << 20, 'b') + "\r\nc(x)=x\r\n", 2, 2, 1},
+      {"100000 lines that fail", many, 100000, 100000 - kMaxKeptLines, 1},
+  };
+  for (const Row& r : rows) {
+    SCOPED_TRACE(r.name);
+    std::ofstream("MERIDA.DAT", std::ios::binary | std::ios::trunc) << r.stored;
+    RecordingHost host;
+    Engine e(host);
+    StoreLoad load = LoadUserFunctions(e, ".");
+    EXPECT_EQ(host.errors.size(), 1u);
+    EXPECT_EQ(load.lines.failed, r.failed);
+    EXPECT_EQ(load.lines.dropped, r.dropped);
+    EXPECT_EQ(e.userFunctionCount(), r.registered);
+    EXPECT_NE(StoreLoadNotice(load).find("will not be saved over"), std::string::npos) << StoreLoadNotice(load);
+    ASSERT_TRUE(e.RegisterFormula("new(x)=x"));
+    FileResult saved = SaveUserFunctions(e, ".");
+    EXPECT_NE(saved.error.find("cannot keep"), std::string::npos) << saved.error;
+    EXPECT_EQ(ReadFile("MERIDA.DAT"), r.stored);
+  }
+}
+
+// Settings and store files that are not regular files, or cannot be read, load nothing and
+// never block; a huge settings file is read no further than its first line.
+TEST_F(StoreTest, OnlyRegularFilesAreReadAndOnlyAsFarAsNeeded) {
+  ASSERT_EQ(::mkfifo("MERIDA.DAT", 0644), 0);
+  ASSERT_EQ(::mkfifo("MERIDA.DEF", 0644), 0);
+  RecordingHost host;
+  Engine e(host);
+  EXPECT_EQ(LoadUserFunctions(e, ".").error, "not a regular file");
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 1);
+  std::filesystem::remove("MERIDA.DAT");
+  std::filesystem::create_symlink("/proc/self/mem", "MERIDA.DAT");
+  StoreLoad load = LoadUserFunctions(e, ".");
+  EXPECT_EQ(load.error, "Input/output error");
+  EXPECT_EQ(StoreLoadNotice(load), "cannot read MERIDA.DAT: Input/output error");
+  EXPECT_FALSE(SaveUserFunctions(e, ".")) << "a store that cannot be read is not saved over";
+  EXPECT_TRUE(std::filesystem::is_symlink("MERIDA.DAT"));
+  EXPECT_TRUE(host.errors.empty());
+  // 2 GB of nothing after the first line, without the disk space: only the line is read.
+  std::filesystem::remove("MERIDA.DEF");
+  std::ofstream("MERIDA.DEF", std::ios::binary) << "Japanese\r\n";
+  std::filesystem::resize_file("MERIDA.DEF", uint64_t{2} << 30);
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
 }
 
 TEST_F(StoreTest, LoadedLinesAreSavedAsWrittenAndListedAsRegistered) {
@@ -321,6 +381,9 @@ TEST_F(StoreTest, DisplayLanguageFile) {
   std::filesystem::remove("MERIDA.DEF");
   EXPECT_EQ(ReadDisplayLanguage(".", 1), 1);
   ASSERT_TRUE(WriteDisplayLanguage(".", 2));
+  ::chmod("MERIDA.DEF", 0444);
+  EXPECT_EQ(WriteDisplayLanguage(".", 1).error, "the file is read-only");
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
   EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
 }
 
@@ -367,6 +430,7 @@ TEST(StoreMerge, SavesMergeWhatAnotherProgramSavedMeanwhile) {
     std::vector<std::string> recA, recB;
     int delB;  // 0 = none
     std::string saved;
+    int conflict = 0;  // the error B's save meets: B's save is refused, the file is A's
   };
   const std::string base = "f(x)=x+1\r\ng(x)=f(x)*2\r\n";
   const Row rows[] = {
@@ -374,7 +438,8 @@ TEST(StoreMerge, SavesMergeWhatAnotherProgramSavedMeanwhile) {
       {{}, {"b(x)=x+4"}, 1, "g(x)=f(x)*2\r\nb(x)=x+4\r\n"},
       {{"a(x)=x+3"}, {}, 2, "f(x)=x+1\r\na(x)=x+3\r\n"},
       {{"a(x)=x+3"}, {"a(x)=x+3"}, 0, base + "a(x)=x+3\r\n"},
-      {{"a(x)=x+3"}, {"a(x)=x+5"}, 0, base + "a(x)=x+3\r\na(x)=x+5\r\n"},  // the second is kept, not lost
+      {{"a(x)=x+3"}, {"a(x)=x+5"}, 0, base + "a(x)=x+3\r\n", 7},
+      {{"a(x)=x+3"}, {"b(x)=x+5", "a(x)=x+5"}, 0, base + "a(x)=x+3\r\n", 7},
   };
   for (const Row& r : rows) {
     test::TempDirScope dir;
@@ -389,8 +454,14 @@ TEST(StoreMerge, SavesMergeWhatAnotherProgramSavedMeanwhile) {
       ASSERT_TRUE(b.DeleteFunction(r.delB));
     }
     ASSERT_TRUE(SaveUserFunctions(a, "."));
-    ASSERT_TRUE(SaveUserFunctions(b, "."));
+    host.errors.clear();
+    EXPECT_EQ(static_cast<bool>(SaveUserFunctions(b, ".")), r.conflict == 0);
+    EXPECT_EQ(host.errors, r.conflict ? std::vector<int>{r.conflict} : std::vector<int>{});
     EXPECT_EQ(ReadFile("MERIDA.DAT"), r.saved);
+    if (r.conflict) {
+      EXPECT_EQ(b.userFunctionCount(), 2 + static_cast<int>(r.recB.size())) << "B keeps its functions to resolve";
+      continue;
+    }
     EXPECT_EQ(b.StoreText(), r.saved) << "the later saver holds what it saved";
     // A saves again without changes: B's changes stay.
     ASSERT_TRUE(SaveUserFunctions(a, "."));

@@ -4,11 +4,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "fuzz_host.h"
 #include "signal/data_files.h"
 
 namespace {
@@ -24,15 +22,14 @@ merida::RecordFunctionTable Filled() {
   return t;
 }
 
-merida::LoadResult Read(merida::Engine& engine, const std::string& bytes, merida::RecordFunctionTable& t) {
-  std::istringstream in(bytes);
+merida::LoadResult Read(const std::string& bytes, merida::RecordFunctionTable& t) {
+  merida::ByteInput in(bytes);
 #if MERIDA_FUZZ_READER == 0
-  (void)engine;
   return merida::ReadWave(in, "fuzz.wav", t);
 #elif MERIDA_FUZZ_READER == 1
-  return merida::ReadMeridaText(engine, in, t);
+  return merida::ReadMeridaText(in, t);
 #else
-  return merida::ReadOrbita(engine, in, t);
+  return merida::ReadOrbita(in, t);
 #endif
 }
 
@@ -41,10 +38,8 @@ merida::LoadResult Read(merida::Engine& engine, const std::string& bytes, merida
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace merida;
   const std::string bytes(reinterpret_cast<const char*>(data), size);
-  fuzz::BoundedHost host;
-  Engine engine(host);
   RecordFunctionTable t = Filled();
-  LoadResult r = Read(engine, bytes, t);
+  LoadResult r = Read(bytes, t);
   if (!r.loaded) {
     const RecordFunctionTable before = Filled();
     if (t.kind != NoData || t.count != before.count || t.values != before.values) std::abort();
@@ -56,7 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::vector<uint8_t> samples;
   for (int i = 1; i <= t.count; ++i) samples.push_back(static_cast<uint8_t>(t.values[i][0] + 128));
   RecordFunctionTable again = Filled();
-  std::istringstream in(WaveFileBytes(samples));
+  const std::string written = WaveFileBytes(samples);
+  ByteInput in(written);
   if (!ReadWave(in, "again.wav", again).loaded || again.count != t.count) std::abort();
   for (int i = 1; i <= t.count; ++i) {
     if (again.values[i][0] != t.values[i][0]) std::abort();

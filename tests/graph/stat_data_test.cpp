@@ -176,7 +176,7 @@ TEST_F(OrbitaFileTest, FileReadsBackLineByLine) {
   ASSERT_TRUE(d.writeFile(dir_));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_), std::filesystem::directory_iterator()), 1);
 
-  std::istringstream in(*ReadWholeFile(dir_ / "ORBITA.ORB"));
+  std::istringstream in(*test::FileText(dir_ / "ORBITA.ORB"));
   std::vector<std::string> lines;
   for (std::string line; std::getline(in, line);) {
     ASSERT_FALSE(line.empty());

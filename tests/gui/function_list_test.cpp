@@ -1,5 +1,8 @@
 // Rec of the main window and the Function List window: listing, select, delete, save.
 #include <QListWidget>
+#include <sys/stat.h>
+
+#include <filesystem>
 #include <tuple>
 
 #include "gui_fixture.h"
@@ -125,6 +128,45 @@ TEST_F(FunctionList, NothingIsSavedWithoutTheListsRec) {
   EXPECT_EQ(readFile("MERIDA.DAT"), "");
   start();
   EXPECT_EQ(engine().userFunctionCount(), 0);
+}
+
+// A save that must not happen says why in a box and leaves the file and the list as they were:
+// a read-only store, and a name another program saved there meanwhile (error 7).
+TEST_F(FunctionList, RefusedSavesSayWhyAndChangeNothing) {
+  struct Row {
+    const char* stored;
+    bool readOnly;
+    const char* otherProgram;  // written to the file after the start
+    const char* box;
+    const char* error;
+  };
+  const Row rows[] = {
+      {"a(x)=x\r\n", true, nullptr, "MERIDA.DAT was not written: the file is read-only", ""},
+      {"a(x)=x\r\n", false, "a(x)=x\r\nsq(x)=x+1\r\n",
+       "MERIDA.DAT was not written: another program saved a function of the same name there",
+       "このユーザ関数は既に登録されています"},
+  };
+  for (const Row& r : rows) {
+    std::filesystem::remove("MERIDA.DAT");
+    writeFile("MERIDA.DAT", r.stored);
+    if (r.readOnly) ::chmod("MERIDA.DAT", 0444);
+    start();
+    rec("sq(x)=x*x");
+    if (r.otherProgram) writeFile("MERIDA.DAT", r.otherProgram);
+    const std::string before = readFile("MERIDA.DAT");
+    QString text;
+    OnNextModal<QMessageBox>([&](QMessageBox* box) {
+      text = box->text();
+      box->accept();
+    });
+    QWidget* list = openList();
+    click(list, "Command4");
+    EXPECT_EQ(text.toStdString(), r.box);
+    EXPECT_EQ(errorText().toStdString(), r.error);
+    EXPECT_EQ(readFile("MERIDA.DAT"), before);
+    EXPECT_EQ(lines(list), (QStringList{"a(x)=x", "sq(x)=x*x"}));
+    if (*r.error) acknowledgeError();
+  }
 }
 
 TEST_F(FunctionList, OpeningTwiceKeepsOneWindow) {

@@ -98,7 +98,7 @@ TEST_F(ToolWindowsTest, StatDataWindowEntryMemoryAndFile) {
   EXPECT_EQ(state.Records.count, 3);
   EXPECT_EQ(state.Records.values[1][1], 4.0f);
   QTest::mouseClick(w.Command2, Qt::LeftButton);
-  EXPECT_EQ(ReadWholeFile(dir_ / "ORBITA.ORB"), "ORBITA\r\n2\r\n3\r\n1\r\n2\r\n3\r\n4\r\n\r\n\r\n");
+  EXPECT_EQ(test::FileText(dir_ / "ORBITA.ORB"), "ORBITA\r\n2\r\n3\r\n1\r\n2\r\n3\r\n4\r\n\r\n\r\n");
 }
 
 TEST_F(ToolWindowsTest, ChartSavesPngSvgAndCsv) {
@@ -113,14 +113,14 @@ TEST_F(ToolWindowsTest, ChartSavesPngSvgAndCsv) {
 
   EXPECT_EQ(chart.csvText(), "x1,y1,x2,y2\n0,1,1,1E-07\n0.5,-2.25,,\n");
   ASSERT_TRUE(chart.saveCsv("points.csv"));
-  EXPECT_EQ(*ReadWholeFile(dir_ / "points.csv"), chart.csvText().toStdString());
+  EXPECT_EQ(*test::FileText(dir_ / "points.csv"), chart.csvText().toStdString());
 
   ASSERT_TRUE(chart.savePng("chart.png"));
   QImage png("chart.png");
   EXPECT_EQ(png.size(), QSize(400, 300));
 
   ASSERT_TRUE(chart.saveSvg("chart.svg"));
-  EXPECT_NE(ReadWholeFile(dir_ / "chart.svg")->find("</svg>"), std::string::npos);
+  EXPECT_NE(test::FileText(dir_ / "chart.svg")->find("</svg>"), std::string::npos);
 
   EXPECT_FALSE(chart.savePng("missing/dir/chart.png"));
   EXPECT_FALSE(chart.saveCsv("missing/dir/points.csv"));

@@ -2,6 +2,7 @@
 #include <QFileSystemModel>
 #include <QMessageBox>
 #include <algorithm>
+#include <filesystem>
 
 #include "gui_fixture.h"
 #include "signal/data_files.h"
@@ -69,6 +70,7 @@ class SignalWindowsTest : public GuiTest {
     if (!w) return nullptr;
     chooseFile(w, QString::fromStdString(name));
     click(w, "Command1");
+    EXPECT_TRUE(QTest::qWaitFor([w] { return !w->loading(); }, 5000));
     return w;
   }
 
@@ -125,6 +127,50 @@ TEST_F(SignalWindowsTest, LoadOfAMeridaFileShowsCountAndRangeAndKeepsRowsAboveTh
   EXPECT_EQ(t.values[3][0], 2.0f);
   EXPECT_EQ(t.values[4][0], 7.0f);
   EXPECT_EQ(errorText(), "");
+}
+
+// A file that cannot be read is a refused load: the window says why and the rows stay.
+TEST_F(SignalWindowsTest, LoadOfAFileThatCannotBeReadShowsWhyAndKeepsTheRows) {
+  std::filesystem::create_symlink("/proc/self/mem", dir_ / "mem.mrd");
+  start();
+  fillRows();
+  QString text;
+  OnNextModal<QMessageBox>([&](QMessageBox* box) {
+    text = box->text();
+    box->accept();
+  });
+  LoadWindow* w = loadFile("ok.mrd", "MERIDA\r\n1\r\n0\r\n1\r\n 3\r\n");
+  ASSERT_NE(w, nullptr);
+  ASSERT_EQ(state().Records.values[1][0], 3.0f);
+  state().Records.values[1][0] = 7;
+  chooseFile(w, "mem.mrd");
+  click(w, "Command1");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !text.isEmpty(); }, 5000));
+  EXPECT_EQ(text, "cannot read mem.mrd: Input/output error");
+  EXPECT_EQ(state().Records.kind, NoData);
+  EXPECT_EQ(state().Records.values[1][0], 7.0f);
+  EXPECT_EQ(errorText(), "") << "no format error for a file that was not read";
+}
+
+// Close during a load stops it: the window closes and what the load read is never applied.
+TEST_F(SignalWindowsTest, CloseStopsALoad) {
+  std::string text = "ORBITA\r\n1\r\n1000\r\n";
+  for (int i = 0; i < 1000; ++i) text += "1\r\n";
+  start();
+  fillRows();
+  writeFile("big.orb", text);
+  LoadWindow* w = openLoad();
+  ASSERT_NE(w, nullptr);
+  chooseFile(w, "big.orb");
+  click(w, "Command1");
+  EXPECT_TRUE(w->loading());
+  EXPECT_FALSE(w->Command1->isEnabled());
+  click(w, "Command2");
+  EXPECT_FALSE(w->isVisible());
+  EXPECT_FALSE(w->loading());
+  QTest::qWait(50);
+  EXPECT_EQ(state().Records.kind, NoData);
+  EXPECT_EQ(state().Records.values[1][0], 7.0f);
 }
 
 TEST_F(SignalWindowsTest, LoadOfAWaveFileShowsPathRateAndRange) {

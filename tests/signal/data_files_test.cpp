@@ -3,13 +3,14 @@
 #include "signal/data_files.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
-#include <chrono>
 #include <cmath>
 #include <fstream>
-#include <sstream>
+#include <stop_token>
 
 #include "engine/atomic_file.h"
+#include "engine/number_text.h"
 #include "signal/wave_maker.h"
 #include "test_support.h"
 
@@ -101,6 +102,15 @@ TEST_F(DataFilesTest, RefusedWaveFilesShowTheFailingFieldAndKeepTheRows) {
   }
 }
 
+TEST_F(DataFilesTest, SampleRatesOf2To31AndAboveStayUnsigned) {
+  std::string header = WaveHeader(4);
+  for (int k = 0; k < 4; ++k) header[24 + k] = static_cast<char>((3000000000u >> (8 * k)) & 0xFF);
+  LoadResult r = load("fast.wav", header + "abcd");
+  ASSERT_TRUE(r.loaded);
+  EXPECT_EQ(table.sampleRate, 3000000000u);
+  EXPECT_EQ(*r.boxes.text2, "3000000000");
+}
+
 TEST_F(DataFilesTest, WaveDataSizeIsCappedAndNeverReadPastTheEnd) {
   fillTable();
   LoadResult r = load("big.wav", WaveHeader(10000) + std::string(10000, '\x90'));
@@ -144,6 +154,8 @@ TEST_F(DataFilesTest, MeridaTextFiles) {
       {"negative count", "MERIDA\r\n-3\r\n0\r\n1\r\n5\r\n", false, 0, 5000, {7}},
       {"sample beyond single precision", "MERIDA\r\n2\r\n0\r\n1\r\n5\r\n1E39\r\n", false, 0, 5000, {7}},
       {"huge count line", "MERIDA\r\n" + std::string(5000, '9') + "\r\n0\r\n1\r\n5\r\n", false, 0, 5000, {7}},
+      {"huge range line", "MERIDA\r\n1\r\n" + std::string(4097, '1') + "\r\n1\r\n5\r\n", false, 0, 5000, {7}},
+      {"huge sample", "MERIDA\r\n2\r\n0\r\n1\r\n5\r\n" + std::string(4097, '1') + "\r\n", false, 0, 5000, {7}},
   };
   for (const Case& c : cases) {
     fillTable();
@@ -152,21 +164,125 @@ TEST_F(DataFilesTest, MeridaTextFiles) {
     EXPECT_EQ(r.loaded, c.loaded) << c.name;
     EXPECT_EQ(table.kind, c.loaded ? MeridaTextData : NoData) << c.name;
     EXPECT_EQ(host.errors, c.error ? std::vector<int>{c.error} : std::vector<int>{}) << c.name;
+    EXPECT_EQ(!c.loaded && !c.error, !r.reason.empty()) << c.name << ": a refusal without a number says why";
     EXPECT_EQ(table.count, c.count) << c.name;
     for (size_t i = 0; i < c.rows.size(); ++i) EXPECT_EQ(table.values[i + 1][0], c.rows[i]) << c.name << " row " << i + 1;
   }
 }
 
-TEST_F(DataFilesTest, AHugeLineEndsTheLoadQuickly) {
-  // 64 MB of digits on the range line: refused after the first few kilobytes.
-  std::string text = "MERIDA\r\n2\r\n" + std::string(64 << 20, '1') + "\r\n1\r\n1\r\n2\r\n";
+// The readers stop where the rules stop using the file: after a field too long to be a number,
+// and after the 5000th value where no later column has to match the count.
+TEST_F(DataFilesTest, ReadersReadNoFurtherThanTheRulesUse) {
+  struct Case {
+    const char* name;
+    std::string text;
+    bool orbita, loaded;
+    uint64_t readAtMost;
+  };
+  std::string values;
+  for (int i = 0; i < 5000; ++i) values += "1\r\n";
+  const std::string rest(8 << 20, '2');  // what follows is never looked at
+  const Case cases[] = {
+      {"a range line of 8 MB", "MERIDA\r\n2\r\n" + rest, false, false, 8192},
+      {"a count line of 8 MB", "ORBITA\r\n1\r\n" + rest, true, false, 8192},
+      {"a billion rows of one column", "ORBITA\r\n1\r\n1000000000\r\n" + values + rest, true, true, 100000},
+      {"samples past the 5000th", "MERIDA\r\n9000\r\n0\r\n1\r\n" + values + rest, false, true, 100000},
+  };
+  for (const Case& c : cases) {
+    fillTable();
+    ByteInput in(c.text);
+    LoadResult r = c.orbita ? ReadOrbita(in, table) : ReadMeridaText(in, table);
+    EXPECT_EQ(r.loaded, c.loaded) << c.name;
+    EXPECT_LE(in.position(), c.readAtMost) << c.name;
+    if (c.loaded) {
+      EXPECT_EQ(table.count, 5000) << c.name;
+    }
+  }
+}
+
+// Columns past the first are found by counting the values before them, up to the count,
+// though only 5000 of each are kept.
+TEST_F(DataFilesTest, OrbitaColumnsBeyond5000RowsAreCountedNotKept) {
+  auto column = [](int n, float v) {
+    std::string s;
+    for (int i = 0; i < n; ++i) s += ListText(v + static_cast<float>(i % 3)) + (i % 2 ? "," : "\r\n");
+    return s;
+  };
+  struct Case {
+    const char* name;
+    std::string text;
+    int error;
+  };
+  const Case cases[] = {
+      {"two full columns of 6000", "ORBITA\r\n2\r\n6000\r\n" + column(6000, 1) + column(6000, 10), 0},
+      {"the second column 500 short", "ORBITA\r\n2\r\n6000\r\n" + column(6000, 1) + column(5500, 10), 43},
+      {"7000 declared, 6000 in each", "ORBITA\r\n2\r\n7000\r\n" + column(6000, 1) + column(6000, 10), 43},
+      {"a long value past the 5000th", "ORBITA\r\n2\r\n6000\r\n" + column(5500, 1) + std::string(5000, '3') +
+                                           "\r\n" + column(6499, 10), -1},
+  };
+  for (const Case& c : cases) {
+    fillTable();
+    host.errors.clear();
+    LoadResult r = load("big.orb", c.text);
+    EXPECT_EQ(r.loaded, c.error == 0) << c.name;
+    EXPECT_EQ(host.errors, c.error > 0 ? std::vector<int>{c.error} : std::vector<int>{}) << c.name;
+    if (c.error == 0) {
+      EXPECT_EQ(table.count, 5000) << c.name;
+      EXPECT_EQ(table.values[5000][0], 1 + 4999 % 3) << c.name;
+      EXPECT_EQ(table.values[1][1], 10) << c.name << ": column 2 starts after all of column 1";
+      EXPECT_EQ(table.values[5000][1], 10 + 4999 % 3) << c.name;
+    } else {
+      EXPECT_EQ(table.values[1][0], 7) << c.name;
+    }
+  }
+}
+
+// Files from anywhere: what cannot be opened, is not a regular file, or fails while being
+// read is a refused load that says why; the rows stay as they were.
+TEST_F(DataFilesTest, FilesThatCannotBeReadAreRefusedAndKeepTheRows) {
+  struct Case {
+    const char* name;
+    const char* reason;
+    bool shown;  // in the window; a file that cannot be opened ends silently there
+  };
+  ::mkfifo("pipe.mrd", 0644);
+  std::filesystem::create_directory("folder.orb");
+  std::filesystem::create_symlink("/proc/self/mem", "mem.wav");
+  std::filesystem::create_symlink("/proc/self/mem", "mem.orb");
+  std::filesystem::create_symlink("/proc/self/mem", "mem.mrd");
+  const Case cases[] = {
+      {"pipe.mrd", "cannot read pipe.mrd: not a regular file", true},
+      {"folder.orb", "cannot read folder.orb: Is a directory", false},
+      {"missing.wav", "cannot read missing.wav: No such file or directory", false},
+      {"mem.wav", "cannot read mem.wav: Input/output error", true},
+      {"mem.orb", "cannot read mem.orb: Input/output error", true},
+      {"mem.mrd", "cannot read mem.mrd: Input/output error", true},
+  };
+  for (const Case& c : cases) {
+    fillTable();
+    table.kind = OrbitaData;
+    host.errors.clear();
+    LoadResult r = LoadDataFile(engine, table, dir_ / c.name);
+    EXPECT_FALSE(r.loaded) << c.name;
+    EXPECT_EQ(r.reason, c.reason) << c.name;
+    EXPECT_EQ(r.shown, c.shown) << c.name;
+    EXPECT_TRUE(host.errors.empty()) << c.name << ": no format error for a file that was not read";
+    EXPECT_EQ(table.kind, NoData) << c.name;
+    EXPECT_EQ(table.count, 5000) << c.name;
+    EXPECT_EQ(table.values[1][0], 7) << c.name;
+  }
+}
+
+TEST_F(DataFilesTest, AStoppedLoadKeepsTheRows) {
+  std::ofstream("s.mrd", std::ios::binary) << "MERIDA\r\n1\r\n0\r\n1\r\n5\r\n";
   fillTable();
-  auto start = std::chrono::steady_clock::now();
-  LoadResult r = load("huge.mrd", text);
+  std::stop_source stop;
+  stop.request_stop();
+  LoadResult r = ReadDataFile(table, dir_ / "s.mrd", stop.get_token());
+  EXPECT_TRUE(r.stopped);
   EXPECT_FALSE(r.loaded);
   EXPECT_EQ(table.kind, NoData);
   EXPECT_EQ(table.values[1][0], 7);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << "read no further than needed";
 }
 
 TEST_F(DataFilesTest, OrbitaFiles) {
@@ -230,7 +346,7 @@ TEST_F(WaveMakerTest, OneSecondIs11025SamplesIn11070Bytes) {
   ASSERT_EQ(r.end, WaveEnd::kWritten);
   EXPECT_EQ(r.samples, 11025);
   EXPECT_EQ(r.fileName, "mrdsound.wav");
-  std::optional<std::string> bytes = ReadWholeFile(dir_ / "mrdsound.wav");
+  std::optional<std::string> bytes = test::FileText(dir_ / "mrdsound.wav");
   ASSERT_TRUE(bytes);
   EXPECT_EQ(bytes->size(), 11070u);
   std::string data = bytes->substr(44, 11025);
@@ -247,7 +363,7 @@ TEST_F(WaveMakerTest, TheMidpointOfTheRangeScalesTo128) {
   WaveResult r = make("x", "0", "4/11025", false, "mid.wav");
   ASSERT_EQ(r.end, WaveEnd::kWritten);
   ASSERT_EQ(r.samples, 4);
-  EXPECT_EQ(ReadWholeFile(dir_ / "mid.wav")->substr(44), std::string("\x00\x40\x80\xff\x00", 5));
+  EXPECT_EQ(test::FileText(dir_ / "mid.wav")->substr(44), std::string("\x00\x40\x80\xff\x00", 5));
 }
 
 TEST_F(WaveMakerTest, MeridaFileHoldsAtMost5000SamplesAndLoadsBack) {
@@ -255,7 +371,7 @@ TEST_F(WaveMakerTest, MeridaFileHoldsAtMost5000SamplesAndLoadsBack) {
   ASSERT_EQ(r.end, WaveEnd::kWritten);
   EXPECT_EQ(r.samples, 6615);
   EXPECT_EQ(r.fileName, "mrdsound.mrd");
-  std::string text = *ReadWholeFile(dir_ / "mrdsound.mrd");
+  std::string text = *test::FileText(dir_ / "mrdsound.mrd");
   EXPECT_EQ(text.substr(0, 28), "MERIDA\r\n 5000\r\n 0\r\n .6\r\n 0\r\n");
   ASSERT_TRUE(LoadDataFile(engine, table, dir_ / "mrdsound.mrd").loaded);
   EXPECT_EQ(table.count, 5000);
@@ -270,17 +386,23 @@ TEST_F(WaveMakerTest, GoEndsWithoutAFile) {
     const char* to;
     WaveEnd end;
     int error;
+    const char* name = "";
   };
+  std::filesystem::create_directory(dir_ / "taken.wav");
   const Case cases[] = {
       {"x", "1", "1", WaveEnd::kSilent, 0},          // no time to sample
       {"x", "1", "0", WaveEnd::kSilent, 0},
-      {"3", "0", "1", WaveEnd::kFailed, 0},          // a constant cannot be scaled
+      {"3", "0", "1", WaveEnd::kConstant, 0},        // a constant cannot be scaled
       {"x*y", "0", "1", WaveEnd::kError, 24},
-      {"1E200*exp(x*1000)", "0", "1", WaveEnd::kFailed, 0},
+      {"1E200*exp(x*1000)", "0", "1", WaveEnd::kFault, 0},
+      {"1E39*sin(2*PI*x)", "0", "1", WaveEnd::kFault, 0},  // beyond single precision
+      {"x", "0", "1", WaveEnd::kWriteError, 0, "taken.wav"},
   };
   for (const Case& c : cases) {
     host.errors.clear();
-    EXPECT_EQ(make(c.formula, c.from, c.to).end, c.end) << c.formula;
+    WaveResult r = make(c.formula, c.from, c.to, false, c.name);
+    EXPECT_EQ(r.end, c.end) << c.formula;
+    EXPECT_EQ(r.writeError, c.end == WaveEnd::kWriteError ? "Is a directory" : "") << c.formula;
     EXPECT_EQ(host.errors, c.error ? std::vector<int>{c.error} : std::vector<int>{}) << c.formula;
     EXPECT_FALSE(std::filesystem::exists(dir_ / "mrdsound.wav")) << c.formula;
     EXPECT_EQ(engine.BindToX, -1);

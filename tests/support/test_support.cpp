@@ -46,14 +46,22 @@ std::string Quote(const std::string& s) {
 }
 }  // namespace
 
-CliResult RunCli(const std::vector<std::string>& args, const std::string& input) {
+std::optional<std::string> FileText(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return std::nullopt;
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+CliResult RunCli(const std::vector<std::string>& args, const std::string& input, const std::string& shell) {
 #ifdef MERIDA_CLI
   auto base = std::filesystem::temp_directory_path() / ("merida-cli-" + std::to_string(::getpid()));
   std::string in = base.string() + ".in", out = base.string() + ".out", err = base.string() + ".err";
   std::ofstream(in, std::ios::binary) << input;
-  std::string cmd = Quote(MERIDA_CLI);
+  std::string cmd = "(" + shell + " exec " + Quote(MERIDA_CLI);
   for (const auto& a : args) cmd += " " + Quote(a);
-  cmd += " <" + Quote(in) + " >" + Quote(out) + " 2>" + Quote(err);
+  cmd += ") <" + Quote(in) + " >" + Quote(out) + " 2>" + Quote(err);
   int raw = std::system(cmd.c_str());
   CliResult r;
   r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
@@ -66,6 +74,7 @@ CliResult RunCli(const std::vector<std::string>& args, const std::string& input)
 #else
   (void)args;
   (void)input;
+  (void)shell;
   return {};
 #endif
 }

@@ -84,7 +84,11 @@ struct CliResult {
   int status = -1;
   std::string out, err;
 };
-CliResult RunCli(const std::vector<std::string>& args, const std::string& input = "");
+// `shell` runs first in the same shell (limits, traps: "ulimit -f 1; trap '' XFSZ;").
+CliResult RunCli(const std::vector<std::string>& args, const std::string& input = "", const std::string& shell = "");
+
+// A file's bytes; nullopt when it cannot be read.
+std::optional<std::string> FileText(const std::filesystem::path& path);
 
 // One merida-cli run and what it must print: exit status, standard output, and standard error
 // (exactly, or only its start when errIsPrefix).

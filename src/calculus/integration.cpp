@@ -138,6 +138,15 @@ std::optional<std::pair<std::string, std::string>> PrepareDoubleIntegral(Engine&
   return std::make_pair(f.variables()[0], f.variables()[1]);
 }
 
+std::optional<std::string> CappedDivisions(std::string_view numBox) {
+  std::optional<double> count = ReadDivisions(numBox);
+  if (!count) return std::nullopt;
+  double n = *count;
+  if (std::fmod(n, 2) != 0) n += 1;
+  if (n <= kMaxIntegrationDivisions) return std::nullopt;
+  return PlainText(double{kMaxIntegrationDivisions});
+}
+
 IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_view formula, const RangeBoxes& first,
                                   const RangeBoxes& second) {
   IntegrationResult r;
@@ -196,6 +205,7 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
     y0 = r2->a;
     j1 += 2;
     x0 = x;
+    engine.host().progress(j1 / 2, static_cast<int64_t>(r1->n / 2));
     if (StopRequestedAfterEvents(engine)) return Ended(engine, state, r, IntegrationEnd::kStopped);
     if (j1 >= r1->n) break;
   }

@@ -161,19 +161,33 @@ void DoubleIntegrationWindow::load(const QString& first, const QString& second) 
 }
 
 void DoubleIntegrationWindow::go() {
-  RunOnce(running_, [this] {
-    main_.answer(QString());
-    IntegrationResult r = IntegrateDouble(engine_, state_, main_.formula().toStdString(),
-                                          {Text(Text1), Text(Text2), Text(Text3)}, {Text(Text4), Text(Text5), Text(Text6)});
-    if (r.numBox) Text3->setText(QString::fromStdString(*r.numBox));
-    if (r.numBox2) Text6->setText(QString::fromStdString(*r.numBox2));
-    if (r.value) main_.answer(QString::fromStdString(PlainText(*r.value)));
-  });
+  if (jobRunning()) {
+    stopJob();  // Go reads "Stop" while the integral runs
+    return;
+  }
+  main_.answer(QString());
+  const std::string formula = main_.formula().toStdString();
+  const RangeBoxes first{Text(Text1), Text(Text2), Text(Text3)}, second{Text(Text4), Text(Text5), Text(Text6)};
+  // The capped counts show at once; the work takes its boxes as they were typed.
+  for (auto [box, capped] : {std::pair{Text3, CappedDivisions(first.num)}, std::pair{Text6, CappedDivisions(second.num)}}) {
+    if (capped) box->setText(QString::fromStdString(*capped));
+  }
+  auto result = std::make_shared<IntegrationResult>();
+  startJob(
+      Command1,
+      [result, formula, first, second](ToolRun& run) {
+        *result = IntegrateDouble(run.engine, run.state, formula, first, second);
+      },
+      [this, result](ToolRun&) {
+        if (result->value) main_.answer(QString::fromStdString(PlainText(*result->value)));
+      });
 }
 
 void DoubleIntegrationWindow::closeEvent(QCloseEvent* event) {
   engine_.BindToX = -1;
   ToolWindow::closeEvent(event);
 }
+
+bool DoubleIntegrationWindow::running() const { return jobRunning(); }
 
 }  // namespace merida

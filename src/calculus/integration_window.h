@@ -28,7 +28,7 @@ class DoubleIntegrationWindow : public ToolWindow {
   void retranslate() override;
   // Loading: the variable names, and 20 divisions each way.
   void load(const QString& first, const QString& second);
-  bool running() const { return running_; }
+  bool running() const;
 
   QPushButton *Command1, *Command2;
   QGroupBox *Frame1, *Frame2, *Frame3, *Frame4, *Frame5, *Frame6, *Frame7, *Frame8;
@@ -42,7 +42,6 @@ class DoubleIntegrationWindow : public ToolWindow {
   void go();
 
   MainFormula main_;
-  bool running_ = false;
 };
 
 class IntegrationWindow : public ToolWindow {

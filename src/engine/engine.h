@@ -238,6 +238,11 @@ class Engine {
   uint64_t droppedStoreLines() const { return droppedLines_; }
   // The functions become those of `text`, loaded without messages.
   void ReplaceStore(std::string_view text);
+  // A job's own engine: the functions, the store they came from and the random generator of
+  // `other` (busy or not, `other` is only read).
+  void CopyStateFrom(const Engine& other);
+  // After a job: the random generator goes on from where the job's engine left it.
+  void TakeRandomStateFrom(const Engine& other) { randomState_ = other.randomState_; }
   // The store text to save when another program may have saved since this engine last
   // loaded or saved: `current` (an engine holding the file now) without the functions deleted
   // here, then the functions added here, each checked as Rec checks it against what is

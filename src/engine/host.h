@@ -1,6 +1,7 @@
 // The engine's only window on the outside world; the GUI, the CLI and the tests implement it.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -19,9 +20,12 @@ class EngineHost {
   // Shows an arithmetic fault (overflow) once, in a plain message box.
   virtual void showFault(const std::string& description) = 0;
 
-  // Lets the user interface handle pending events during long runs; a stop button sets
+  // A long run's checkpoint (after a point, a row, a term): a stop request sets
   // Engine::StopRequested from here.
   virtual void processEvents() {}
+
+  // How far a long run has come: `done` of `total` steps.
+  virtual void progress(int64_t /*done*/, int64_t /*total*/) {}
 };
 
 // A host that answers nothing and shows nothing: free variables count as cancelled.

@@ -1,7 +1,9 @@
-// The worker thread of a job.
+// The worker thread of a job, and the host of the engine it runs.
 #include "engine/job.h"
 
 #include <utility>
+
+#include "engine/engine.h"
 
 namespace merida {
 
@@ -15,6 +17,22 @@ Job::Job(Work work, std::function<void()> finished)
 Job::~Job() {
   thread_.request_stop();
   if (thread_.joinable()) thread_.join();
+}
+
+void JobHost::attach(Engine& engine, std::stop_token stop, JobProgress* progress) {
+  engine_ = &engine;
+  stop_ = std::move(stop);
+  progress_ = progress;
+}
+
+void JobHost::processEvents() {
+  if (engine_ && stop_.stop_requested()) engine_->StopRequested = 1;
+}
+
+void JobHost::progress(int64_t done, int64_t total) {
+  if (!progress_) return;
+  progress_->total.store(total, std::memory_order_relaxed);
+  progress_->done.store(done, std::memory_order_relaxed);
 }
 
 }  // namespace merida

@@ -1,16 +1,22 @@
-// Long work on a worker thread: the work reads its own copy of what it needs, counts its
-// progress, honours a stop request, and is handed back whole when it ends.
+// Long work on a worker thread: the work runs on its own copy of the engine state it reads,
+// counts its progress, honours a stop request, and is handed back whole when it ends.
 #pragma once
 
 #include <atomic>
 #include <cstdint>
 #include <functional>
 #include <stop_token>
+#include <string>
 #include <thread>
+#include <vector>
+
+#include "engine/host.h"
 
 namespace merida {
 
-// Done and total steps (points, terms, bytes), written by the work, read by anyone.
+class Engine;
+
+// Done and total steps (points, rows, terms), written by the work, read by anyone.
 struct JobProgress {
   std::atomic<int64_t> done{0};
   std::atomic<int64_t> total{0};
@@ -36,6 +42,34 @@ class Job {
   JobProgress progress_;
   std::atomic<bool> finished_{false};
   std::jthread thread_;  // last: it starts after the members it uses exist
+};
+
+// The engine host of a job's own engine. It never asks (a free variable counts as cancelled),
+// keeps the errors and faults for the window to show when the job is applied, and turns a
+// stop request into the engine's StopRequested at every checkpoint.
+class JobHost : public EngineHost {
+ public:
+  struct Message {
+    bool fault = false;
+    int code = 0;             // an error's number
+    std::string description;  // a fault's
+  };
+
+  void attach(Engine& engine, std::stop_token stop, JobProgress* progress);
+  std::optional<std::string> askValue(const std::string&) override { return std::nullopt; }
+  void showError(int code, const std::string&) override { messages_.push_back({false, code, {}}); }
+  void showFault(const std::string& description) override { messages_.push_back({true, 0, description}); }
+  void processEvents() override;
+  void progress(int64_t done, int64_t total) override;
+
+  // What the job's engine showed, in order; the window replays it through its own engine.
+  const std::vector<Message>& messages() const { return messages_; }
+
+ private:
+  Engine* engine_ = nullptr;
+  std::stop_token stop_;
+  JobProgress* progress_ = nullptr;
+  std::vector<Message> messages_;
 };
 
 }  // namespace merida

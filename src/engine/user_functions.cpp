@@ -254,6 +254,20 @@ void Engine::ReplaceStore(std::string_view text) {
   muted_ = false;
 }
 
+void Engine::CopyStateFrom(const Engine& other) {
+  TokenTable = other.TokenTable;
+  FunctionTable = other.FunctionTable;
+  CurrentSlot = other.CurrentSlot;
+  storeLines_ = other.storeLines_;
+  keptLines_ = other.keptLines_;
+  droppedLines_ = other.droppedLines_;
+  storeBase_ = other.storeBase_;
+  randomState_ = other.randomState_;
+  leanCode_ = other.leanCode_;
+  boundCells_ = other.boundCells_;
+  InvalidateCallCache();
+}
+
 StoreMerge Engine::MergedStore(const Engine& current) const {
   StoreMerge merge{StoreText(), 0};
   std::vector<std::string> theirs = StoreLines(current.StoreText());

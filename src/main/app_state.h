@@ -29,4 +29,8 @@ struct AppState {
   bool japanese() const { return DisplayLanguage == kJapanese; }
 };
 
+// After a job ran on its own copy of the state (`before` when it started, `after` when it
+// ended): every value the job changed is set in `shared`, the rest left as others set them.
+void ApplyChanges(AppState& shared, const AppState& before, const AppState& after);
+
 }  // namespace merida

@@ -1,7 +1,11 @@
 // Shared window behaviour.
 #include "main/tool_window.h"
 
+#include <QBoxLayout>
 #include <QCloseEvent>
+#include <QDateTime>
+#include <QProgressBar>
+#include <QTimer>
 #include <QFileDialog>
 #include <QGridLayout>
 #include <QKeyEvent>
@@ -39,9 +43,92 @@ void CollectInLayoutOrder(QLayout* layout, std::vector<QWidget*>& out) {
 
 }  // namespace
 
+ToolRun::ToolRun(const Engine& shared, const AppState& sharedState) : before(sharedState), state(sharedState) {
+  engine.CopyStateFrom(shared);
+}
+
 ToolWindow::ToolWindow(Engine& engine, AppState& state, QWidget* parent)
     : QWidget(parent, Qt::Window), engine_(engine), state_(state) {
   setAttribute(Qt::WA_DeleteOnClose, false);
+}
+
+ToolWindow::~ToolWindow() { job_.reset(); }
+
+void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply) {
+  stopJob();
+  run_ = std::make_shared<ToolRun>(engine_, state_);
+  apply_ = std::move(apply);
+  goButton_ = go;
+  goCaption_ = go ? go->text() : QString();
+  if (go) go->setText(tr("Stop"));
+  setCursor(Qt::BusyCursor);
+  if (!progressBar_) {
+    progressBar_ = new QProgressBar(this);
+    progressBar_->setObjectName(QStringLiteral("ProgressBar"));
+    progressBar_->setTextVisible(true);
+    progressBar_->hide();
+    if (auto* box = qobject_cast<QBoxLayout*>(layout())) box->addWidget(progressBar_);
+    progressTimer_ = new QTimer(this);
+    progressTimer_->setInterval(100);
+    connect(progressTimer_, &QTimer::timeout, this, &ToolWindow::showProgress);
+  }
+  startedMs_ = QDateTime::currentMSecsSinceEpoch();
+  progressTimer_->start();
+  const int generation = ++generation_;
+  std::shared_ptr<ToolRun> run = run_;
+  job_ = std::make_unique<Job>(
+      [run, work = std::move(work)](std::stop_token stop, JobProgress& progress) {
+        run->host.attach(run->engine, stop, &progress);
+        work(*run);
+      },
+      [this, generation] {
+        QMetaObject::invokeMethod(this, [this, generation] { finishJob(generation); }, Qt::QueuedConnection);
+      });
+}
+
+void ToolWindow::showProgress() {
+  if (!job_) return;
+  const int64_t elapsed = QDateTime::currentMSecsSinceEpoch() - startedMs_;
+  if (elapsed < 200) return;
+  const int64_t total = job_->progress().total.load(std::memory_order_relaxed);
+  const int64_t done = job_->progress().done.load(std::memory_order_relaxed);
+  // The bar counts in thousandths, so that counts past 2^31 fit its int range.
+  progressBar_->setRange(0, total > 0 ? 1000 : 0);
+  progressBar_->setValue(total > 0 ? static_cast<int>(done * 1000 / total) : 0);
+  progressBar_->setFormat(total > 0 ? tr("%1 of %2 (%3%)  %4 s")
+                                          .arg(done)
+                                          .arg(total)
+                                          .arg(done * 100 / total)
+                                          .arg(QString::number(elapsed / 1000.0, 'f', 1))
+                                    : tr("%1 s").arg(QString::number(elapsed / 1000.0, 'f', 1)));
+  progressBar_->show();
+}
+
+void ToolWindow::stopJob() {
+  if (!job_) return;
+  ++generation_;
+  job_.reset();  // asks the job to stop and waits for its next checkpoint
+  run_.reset();
+  if (goButton_) goButton_->setText(goCaption_);
+  goButton_ = nullptr;
+  if (progressTimer_) progressTimer_->stop();
+  if (progressBar_) progressBar_->hide();
+  unsetCursor();
+}
+
+void ToolWindow::finishJob(int generation) {
+  if (generation != generation_ || !job_) return;
+  std::shared_ptr<ToolRun> run = run_;
+  std::function<void(ToolRun&)> apply = std::move(apply_);
+  stopJob();
+  // What the job's engine showed is shown now, by the shared engine, in the same order.
+  for (const JobHost::Message& m : run->host.messages()) {
+    if (m.fault) engine_.host().showFault(m.description);
+    else engine_.Fail(m.code);
+  }
+  ApplyChanges(state_, run->before, run->state);
+  engine_.TakeRandomStateFrom(run->engine);
+  if (apply) apply(*run);
 }
 
 void ToolWindow::printWindow() {
@@ -170,6 +257,7 @@ void ToolWindow::pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButt
 }
 
 void ToolWindow::closeEvent(QCloseEvent* event) {
+  stopJob();
   engine_.StopRequested = 1;
   QWidget::closeEvent(event);
 }

@@ -10,23 +10,52 @@
 #include <QWidget>
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <utility>
 
 #include "engine/engine.h"
+#include "engine/job.h"
 #include "main/app_state.h"
 
+class QProgressBar;
+class QTimer;
+
 namespace merida {
+
+// A tool's run on its own engine (the shared engine's functions) and its own copy of the
+// shared values, so that nothing done elsewhere meanwhile reaches it.
+struct ToolRun {
+  ToolRun(const Engine& shared, const AppState& sharedState);
+  JobHost host;
+  Engine engine{host};
+  AppState before, state;
+};
 
 class ToolWindow : public QWidget {
   Q_OBJECT
 
  public:
   ToolWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
+  ~ToolWindow() override;
+
+  // True while the window's computation runs as a job.
+  bool jobRunning() const { return job_ != nullptr; }
+  // The job's progress bar (hidden while no job has run for 0.2 s).
+  QProgressBar* progressBar() const { return progressBar_; }
 
   // Sets every caption for the current display language (tr() with the installed translator).
   virtual void retranslate() = 0;
 
  protected:
+  // Starts the window's long computation as a job: `work` runs on a worker thread over a
+  // ToolRun; when it completes, the job's messages are shown, its changes to the shared values
+  // made and `apply` called, all on this thread in one step. While it runs, `go` reads "Stop"
+  // and the window's handler for it should call stopJob(); the busy cursor is over the window
+  // and, after 0.2 s, the progress bar shows count, percent and elapsed time.
+  void startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply);
+  // Stops the running job at its next checkpoint and drops its results.
+  void stopJob();
+
   bool japanese() const { return state_.japanese(); }
   // Prints the window as shown: the default printer, or a PDF the user names when none is set up.
   void printWindow();
@@ -61,6 +90,20 @@ class ToolWindow : public QWidget {
 
   Engine& engine_;
   AppState& state_;
+
+ private:
+  void finishJob(int generation);
+  void showProgress();
+
+  std::shared_ptr<ToolRun> run_;
+  std::function<void(ToolRun&)> apply_;
+  std::unique_ptr<Job> job_;
+  int generation_ = 0;  // of the newest job: a result from a stopped one is dropped
+  QPushButton* goButton_ = nullptr;
+  QString goCaption_;
+  QProgressBar* progressBar_ = nullptr;
+  QTimer* progressTimer_ = nullptr;
+  int64_t startedMs_ = 0;
 };
 
 }  // namespace merida

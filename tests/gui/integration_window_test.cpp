@@ -2,6 +2,9 @@
 #include "calculus/integration_window.h"
 #include "gui_fixture.h"
 
+#include <QElapsedTimer>
+#include <QProgressBar>
+
 namespace merida::test {
 namespace {
 
@@ -64,6 +67,7 @@ TEST_F(IntegrationWindows, DoubleOpensOnlyForTwoVariables) {
   d->Text4->setText("0");
   d->Text5->setText("2");
   QTest::mouseClick(d->Command1, Qt::LeftButton);
+  ASSERT_TRUE(QTest::qWaitFor([d] { return !d->running(); }, 5000));
   EXPECT_EQ(main().answerText(), "1");
   EXPECT_EQ(d->Text3->text(), "5") << "an odd count is used evened, the box keeps it";
 
@@ -74,23 +78,65 @@ TEST_F(IntegrationWindows, DoubleOpensOnlyForTwoVariables) {
   EXPECT_EQ(engine().BindToX, -1);
 }
 
-TEST_F(IntegrationWindows, CloseDuringALongRunStopsItWithoutAnAnswer) {
-  start();
-  IntegrationWindow* w = open("x*y");
-  ASSERT_NE(w, nullptr);
-  QTest::mouseClick(w->Command3, Qt::LeftButton);
-  DoubleIntegrationWindow* d = w->doubleWindow();
+class LongDoubleIntegral : public IntegrationWindows {
+ protected:
+  // The Double Integration window over 0..1 x 0..1 with `num` divisions each way.
+  DoubleIntegrationWindow* openDouble(const char* formula, const char* num) {
+    start();
+    IntegrationWindow* w = open(formula);
+    if (!w) return nullptr;
+    QTest::mouseClick(w->Command3, Qt::LeftButton);
+    DoubleIntegrationWindow* d = w->doubleWindow();
+    if (!d) return nullptr;
+    for (QLineEdit* box : {d->Text1, d->Text4}) box->setText("0");
+    for (QLineEdit* box : {d->Text2, d->Text5}) box->setText("1");
+    for (QLineEdit* box : {d->Text3, d->Text6}) box->setText(num);
+    return d;
+  }
+};
+
+// The run has its own engine: a Calc in the main window meanwhile gets its own answer, asks
+// nothing of the run, and the run's answer is right when it ends.
+TEST_F(LongDoubleIntegral, CalcDuringTheRunLeavesItAlone) {
+  DoubleIntegrationWindow* d = openDouble("x*y+1", "2000");
   ASSERT_NE(d, nullptr);
-  for (QLineEdit* box : {d->Text1, d->Text4}) box->setText("0");
-  for (QLineEdit* box : {d->Text2, d->Text5}) box->setText("1");
-  d->Text3->setText("10000");
-  d->Text6->setText("10000");
-  main().setAnswerText("old");
-  QTimer::singleShot(50, d, [d] { QTest::mouseClick(d->Command2, Qt::LeftButton); });
-  QTest::mouseClick(d->Command1, Qt::LeftButton);  // 225 million points unless stopped
-  EXPECT_FALSE(d->running());
-  EXPECT_FALSE(d->isVisible());
-  EXPECT_EQ(main().answerText(), "");
+  QTest::mouseClick(d->Command1, Qt::LeftButton);
+  EXPECT_TRUE(d->running());
+  EXPECT_EQ(d->Command1->text(), "Stop");
+  EXPECT_EQ(calc("2+3"), "5");
+  ASSERT_TRUE(QTest::qWaitFor([d] { return !d->running(); }, 60000));
+  EXPECT_NEAR(main().answerText().toDouble(), 1.25, 1e-12) << main().answerText().toStdString();
+  EXPECT_TRUE(prompts_.empty()) << "no input box";
+  EXPECT_EQ(d->Command1->text(), "Go");
+}
+
+// Capped counts show at the start; the bar moves while the run goes on; Go, reading Stop,
+// Close and Escape each end the run at once and leave no answer.
+TEST_F(LongDoubleIntegral, ProgressShowsAndStopCloseAndEscapeEndTheRun) {
+  enum How { kStop, kClose, kEscape };
+  for (How how : {kStop, kClose, kEscape}) {
+    DoubleIntegrationWindow* d = openDouble("x*y", "30000");  // 225 million points unless stopped
+    ASSERT_NE(d, nullptr);
+    main().setAnswerText("old");
+    QTest::mouseClick(d->Command1, Qt::LeftButton);
+    EXPECT_EQ(d->Text3->text(), "10000");
+    EXPECT_EQ(d->Text6->text(), "10000");
+    EXPECT_EQ(main().answerText(), "");
+    ASSERT_TRUE(QTest::qWaitFor([d] { return d->progressBar() && d->progressBar()->isVisible(); }, 5000));
+    const int first = d->progressBar()->value();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return d->progressBar()->value() > first; }, 10000)) << "the bar moves";
+    QElapsedTimer stopping;
+    stopping.start();
+    if (how == kStop) QTest::mouseClick(d->Command1, Qt::LeftButton);
+    if (how == kClose) QTest::mouseClick(d->Command2, Qt::LeftButton);
+    if (how == kEscape) QTest::keyClick(d, Qt::Key_Escape);
+    EXPECT_LT(stopping.elapsed(), 100) << how;
+    EXPECT_FALSE(d->running()) << how;
+    EXPECT_EQ(d->isVisible(), how == kStop) << how;
+    QTest::qWait(20);
+    EXPECT_EQ(main().answerText(), "") << how;
+    EXPECT_EQ(d->Command1->text(), "Go") << how;
+  }
 }
 
 }  // namespace

@@ -4,7 +4,7 @@ BUILD  := build/$(PRESET)
 
 PREFIX ?= /usr/local
 
-.PHONY: run test build configure sanitize fuzz bench clean install
+.PHONY: run test build configure sanitize tsan fuzz bench clean install
 
 run: build
 	cd "$(CURDIR)" && ./$(BUILD)/merida
@@ -28,6 +28,13 @@ sanitize:
 	@test -f build/sanitize/build.ninja || cmake --preset sanitize
 	cmake --build --preset sanitize
 	ctest --preset sanitize
+
+# The job runner's tests under ThreadSanitizer: work on worker threads shares nothing unguarded.
+tsan:
+	scripts/setup
+	@test -f build/tsan/build.ninja || cmake --preset tsan
+	cmake --build --preset tsan
+	ctest --preset tsan
 
 # The libFuzzer targets for a short bounded time; scripts/fuzz SECONDS runs them longer.
 fuzz:

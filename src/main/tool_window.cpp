@@ -54,10 +54,12 @@ ToolWindow::ToolWindow(Engine& engine, AppState& state, QWidget* parent)
 
 ToolWindow::~ToolWindow() { job_.reset(); }
 
-void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply) {
+void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply,
+                          std::function<void()> stopped) {
   stopJob();
   run_ = std::make_shared<ToolRun>(engine_, state_);
   apply_ = std::move(apply);
+  stopped_ = std::move(stopped);
   goButton_ = go;
   goCaption_ = go ? go->text() : QString();
   if (go) go->setText(tr("Stop"));
@@ -104,11 +106,21 @@ void ToolWindow::showProgress() {
   progressBar_->show();
 }
 
+void ToolWindow::postWhileRunning(std::function<void()> show) {
+  const int generation = generation_;
+  QMetaObject::invokeMethod(
+      this, [this, generation, show = std::move(show)] {
+        if (generation == generation_ && job_) show();
+      },
+      Qt::QueuedConnection);
+}
+
 void ToolWindow::stopJob() {
   if (!job_) return;
   ++generation_;
   job_.reset();  // asks the job to stop and waits for its next checkpoint
   run_.reset();
+  if (stopped_) std::exchange(stopped_, {})();
   if (goButton_) goButton_->setText(goCaption_);
   goButton_ = nullptr;
   if (progressTimer_) progressTimer_->stop();
@@ -120,6 +132,7 @@ void ToolWindow::finishJob(int generation) {
   if (generation != generation_ || !job_) return;
   std::shared_ptr<ToolRun> run = run_;
   std::function<void(ToolRun&)> apply = std::move(apply_);
+  stopped_ = {};
   stopJob();
   // What the job's engine showed is shown now, by the shared engine, in the same order.
   for (const JobHost::Message& m : run->host.messages()) {

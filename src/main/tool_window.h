@@ -52,9 +52,14 @@ class ToolWindow : public QWidget {
   // made and `apply` called, all on this thread in one step. While it runs, `go` reads "Stop"
   // and the window's handler for it should call stopJob(); the busy cursor is over the window
   // and, after 0.2 s, the progress bar shows count, percent and elapsed time.
-  void startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply);
+  // `stopped` runs when stopJob() drops the job's results.
+  void startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply,
+                std::function<void()> stopped = {});
   // Stops the running job at its next checkpoint and drops its results.
   void stopJob();
+  // Runs `show` on this window's thread while the job that asks for it still runs (a run's
+  // work posts what the window shows before the run ends).
+  void postWhileRunning(std::function<void()> show);
 
   bool japanese() const { return state_.japanese(); }
   // Prints the window as shown: the default printer, or a PDF the user names when none is set up.
@@ -97,6 +102,7 @@ class ToolWindow : public QWidget {
 
   std::shared_ptr<ToolRun> run_;
   std::function<void(ToolRun&)> apply_;
+  std::function<void()> stopped_;
   std::unique_ptr<Job> job_;
   int generation_ = 0;  // of the newest job: a result from a stopped one is dropped
   QPushButton* goButton_ = nullptr;

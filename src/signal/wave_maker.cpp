@@ -65,6 +65,7 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
     std::optional<float> v = RecordValue(y);
     if (!v) return PointStatus::kFault;
     samples[static_cast<size_t>(i)] = *v;
+    engine.host().progress(i, n);
     return PointStatus::kOk;
   };
   auto stopped = [&](PointStatus p) -> std::optional<WaveResult> {

@@ -10,6 +10,7 @@
 #include <QSoundEffect>
 #include <QUrl>
 #include <QVBoxLayout>
+#include <filesystem>
 
 #include "signal/wave_maker.h"
 
@@ -76,22 +77,33 @@ void WaveWindow::retranslate() {
 }
 
 void WaveWindow::go() {
-  if (running_) return;  // the user interface stays live while sampling; one Go at a time
-  running_ = true;
+  if (jobRunning()) {
+    stopJob();  // Go reads "Stop" while the samples are computed
+    return;
+  }
   const QString typed = Text3->text();
   const WaveBoxes boxes{Text1->text().toStdString(), Text2->text().toStdString(), typed.toStdString()};
-  const WaveResult r = MakeWave(engine_, formula_().toStdString(), boxes, format_ == 1,
-                                QFile::encodeName(QDir::currentPath()).toStdString(),
-                                [this] { Text3->setText(QStringLiteral("作成中")); });
-  running_ = false;
-  if (r.end == WaveEnd::kWritten) {
-    Text3->setText(QString::fromStdString(r.fileName));
-    lastWritten_ = QFile::decodeName(r.written.c_str());
-  } else {
-    // A Go that ends early gives the box back as the user left it, not as "作成中".
-    Text3->setText(typed);
-  }
+  const std::string formula = formula_().toStdString();
+  const std::filesystem::path dir = QFile::encodeName(QDir::currentPath()).toStdString();
+  const bool merida = format_ == 1;
+  auto result = std::make_shared<WaveResult>();
+  // A Go that ends early gives the box back as the user left it, not as "作成中".
+  auto restore = [this, typed] { Text3->setText(typed); };
+  startJob(
+      Command1,
+      [this, result, formula, boxes, dir, merida](ToolRun& run) {
+        *result = MakeWave(run.engine, formula, boxes, merida, dir,
+                           [this] { postWhileRunning([this] { Text3->setText(QStringLiteral("作成中")); }); });
+      },
+      [this, result, restore](ToolRun&) {
+        if (result->end != WaveEnd::kWritten) return restore();
+        Text3->setText(QString::fromStdString(result->fileName));
+        lastWritten_ = QFile::decodeName(result->written.c_str());
+      },
+      restore);
 }
+
+bool WaveWindow::running() const { return jobRunning(); }
 
 void WaveWindow::test() {
   if (lastWritten_.isEmpty() || QMediaDevices::audioOutputs().isEmpty()) return;

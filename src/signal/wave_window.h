@@ -27,7 +27,7 @@ class WaveWindow : public ToolWindow {
   int16_t format() const { return format_; }
   // The full path Test plays; empty until a file is written.
   const QString& lastWritten() const { return lastWritten_; }
-  bool running() const { return running_; }
+  bool running() const;
 
   QGroupBox *Frame1, *Frame2;
   QLineEdit *Text1, *Text2, *Text3;
@@ -41,7 +41,6 @@ class WaveWindow : public ToolWindow {
 
   std::function<QString()> formula_;
   int16_t format_ = -1;
-  bool running_ = false;
   QString lastWritten_;
   QSoundEffect* sound_ = nullptr;
 };

@@ -36,6 +36,12 @@ class SignalWindowsTest : public GuiTest {
     press(15);
     return qobject_cast<WaveWindow*>(window(QStringLiteral("WaveWindow")));
   }
+  // Go, then the run to its end (it samples on a worker thread).
+  void go(WaveWindow* w) {
+    click(w, "Command1");
+    EXPECT_TRUE(QTest::qWaitFor([w] { return !w->running(); }, 10000));
+    QCoreApplication::processEvents();
+  }
 
   // The names File1 lists, once the file system model has read them.
   static QStringList listed(LoadWindow* w) {
@@ -315,7 +321,7 @@ TEST_F(SignalWindowsTest, GoWritesTheDefaultWaveFileAndShowsItsName) {
   QObject::connect(w->Text3, &QLineEdit::textChanged, w, [&](const QString& t) { shown << t; });
   w->Text1->setText("0");
   w->Text2->setText("1");
-  click(w, "Command1");
+  go(w);
   EXPECT_EQ(shown, (QStringList{"作成中", "mrdsound.wav"}));
   EXPECT_EQ(readFile("mrdsound.wav").substr(0, 4), "RIFF");
   EXPECT_EQ(w->lastWritten(), QDir::currentPath() + "/mrdsound.wav");
@@ -324,7 +330,7 @@ TEST_F(SignalWindowsTest, GoWritesTheDefaultWaveFileAndShowsItsName) {
   // A typed name is used as it stands.
   w->Text3->setText("tone.wav");
   w->Text2->setText("0.2");
-  click(w, "Command1");
+  go(w);
   EXPECT_EQ(w->Text3->text(), "tone.wav");
   EXPECT_EQ(readFile("tone.wav").substr(0, 4), "RIFF");
   EXPECT_EQ(w->lastWritten(), QDir::currentPath() + "/tone.wav");
@@ -340,7 +346,7 @@ TEST_F(SignalWindowsTest, MeridaCheckWritesTheTextFileCappedAt5000Samples) {
   w->Text1->setText("0");
   w->Text2->setText("0.6");
   w->Text3->setText("ignored.wav");
-  click(w, "Command1");
+  go(w);
   EXPECT_EQ(w->Text3->text(), "mrdsound.mrd");
   EXPECT_EQ(readFile("mrdsound.mrd").substr(0, 19), "MERIDA\r\n 5000\r\n 0\r\n");
   EXPECT_EQ(readFile("ignored.wav"), "");
@@ -357,26 +363,24 @@ TEST_F(SignalWindowsTest, GoThatFailsAfterSamplingStartsGivesTheTypedNameBack) {
   w->Text2->setText("0.01");
   w->Text3->setText("mine.wav");
   shown.clear();
-  click(w, "Command1");
+  go(w);
   EXPECT_EQ(shown, (QStringList{"作成中", "mine.wav"}));
   EXPECT_EQ(readFile("mine.wav"), "");
   EXPECT_EQ(w->lastWritten(), "");
-  EXPECT_EQ(engine().BindToX, -1);
-  EXPECT_EQ(engine().StopRequested, 1);
   EXPECT_EQ(errorText(), "");
   EXPECT_TRUE(faults_.empty());
 
   // Two variables: error 24 before sampling; the box is never touched.
   main().setFormulaText("x+y");
   shown.clear();
-  click(w, "Command1");
+  go(w);
   EXPECT_TRUE(shown.isEmpty());
   EXPECT_EQ(errorText(), "グラフおよび積分の変数は１個までです");
 }
 
 TEST_F(SignalWindowsTest, CloseDuringGoStopsIt) {
   start();
-  WaveWindow* w = openWave("sin(x)");
+  WaveWindow* w = openWave("sgm(sin(k*x)/k,1,5000,k)");  // 55 million terms unless stopped
   ASSERT_NE(w, nullptr);
   w->Text1->setText("0");
   w->Text2->setText("1");
@@ -384,9 +388,9 @@ TEST_F(SignalWindowsTest, CloseDuringGoStopsIt) {
     if (t == "作成中") QTimer::singleShot(0, w->Command2, &QPushButton::click);
   });
   click(w, "Command1");
-  EXPECT_FALSE(w->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([w] { return !w->isVisible(); }, 5000));
   EXPECT_FALSE(w->running());
-  EXPECT_EQ(readFile("mrdsound.wav"), "");
+  EXPECT_TRUE(readFile("mrdsound.wav").empty());
   EXPECT_EQ(w->Text3->text(), "");
 }
 
@@ -397,7 +401,7 @@ TEST_F(SignalWindowsTest, TestWithoutASoundDeviceDoesNothingVisible) {
   click(w, "Command3");  // nothing written yet
   w->Text1->setText("0");
   w->Text2->setText("0.1");
-  click(w, "Command1");
+  go(w);
   ASSERT_FALSE(w->lastWritten().isEmpty());
   click(w, "Command3");
   QTest::qWait(50);

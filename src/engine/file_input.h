@@ -24,7 +24,8 @@ class ByteInput {
   ByteInput& operator=(const ByteInput&) = delete;
 
   // Opens `path` for reading. nullopt, with the reason in `error` (and its errno in `code`),
-  // when it cannot be opened or is not a regular file (a FIFO, a device, a directory).
+  // when it cannot be opened or is not a regular file (a directory: EISDIR; a FIFO or a
+  // device: EINVAL).
   static std::optional<ByteInput> Open(const std::filesystem::path& path, std::string& error, int* code = nullptr);
 
   // The unread bytes at hand, refilled when none are left; empty at the end of the input,

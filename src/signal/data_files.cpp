@@ -3,6 +3,7 @@
 // size; no field is ever read past the end of the file.
 #include "signal/data_files.h"
 
+#include <cerrno>
 #include <cmath>
 
 #include "engine/formula_sampler.h"
@@ -278,10 +279,11 @@ LoadResult ReadOrbita(ByteInput& in, RecordFunctionTable& table) {
 LoadResult ReadDataFile(RecordFunctionTable& table, const std::filesystem::path& path, std::stop_token stop) {
   const std::string name = path.filename().string();
   std::string why;
-  std::optional<ByteInput> in = ByteInput::Open(path, why);
+  int code = 0;
+  std::optional<ByteInput> in = ByteInput::Open(path, why, &code);
   if (!in) {
     LoadResult r = Refused(table, "cannot read " + name + ": " + why);
-    r.shown = why == "not a regular file";
+    r.shown = code == EINVAL;  // there, but a FIFO or a device: not a file that failed to open
     return r;
   }
   in->setStopToken(std::move(stop));

@@ -62,6 +62,8 @@ class JobHost : public EngineHost {
   void processEvents() override;
   void progress(int64_t done, int64_t total) override;
 
+  // The job's stop request, for work that checks it itself (a file read).
+  std::stop_token stopToken() const { return stop_; }
   // What the job's engine showed, in order; the window replays it through its own engine.
   const std::vector<Message>& messages() const { return messages_; }
 

@@ -10,13 +10,11 @@
 #include <QFileSystemModel>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QCloseEvent>
 #include <QMessageBox>
 #include <QSignalBlocker>
 #include <QStorageInfo>
 #include <QVBoxLayout>
 
-#include "engine/job.h"
 #include "signal/data_files.h"
 #include "signal/file_display_window.h"
 
@@ -204,48 +202,26 @@ void LoadWindow::applyPattern() {
   files_->setNameFilters(select_ == 1 ? QStringList{"*.wav", "*.mrd", "*.orb"} : QStringList{"*"});
 }
 
-LoadWindow::~LoadWindow() = default;
-
 void LoadWindow::load() {
-  if (job_) return;  // Load is disabled while a file is read
+  if (jobRunning()) {
+    stopJob();  // Load reads "Stop" while a file is read
+    return;
+  }
   if (chosen_.isEmpty()) {
     state_.Records.kind = NoData;
     return;
   }
-  // A file of a billion rows takes a while: it is read on a worker thread into a copy of the
-  // table, and Close stops it.
-  auto table = std::make_shared<RecordFunctionTable>(state_.Records);
+  // A file of a billion rows takes a while: it is read on a worker thread into the run's copy
+  // of the table, which replaces the shared one only when the whole file was read.
   auto result = std::make_shared<LoadResult>();
   const std::filesystem::path path = QFile::encodeName(chosen_).toStdString();
-  const int generation = ++generation_;
-  Command1->setEnabled(false);
-  setCursor(Qt::BusyCursor);
-  job_ = std::make_unique<Job>(
-      [table, result, path](std::stop_token stop, JobProgress&) { *result = ReadDataFile(*table, path, stop); },
-      [this, table, result, generation] {
-        QMetaObject::invokeMethod(
-            this, [this, table, result, generation] { finishLoad(generation, *table, *result); }, Qt::QueuedConnection);
-      });
+  startJob(
+      Command1,
+      [result, path](ToolRun& run) { *result = ReadDataFile(run.state.Records, path, run.host.stopToken()); },
+      [this, result](ToolRun&) { showLoad(*result); });
 }
 
-void LoadWindow::stopLoad() {
-  ++generation_;  // a result already on its way is dropped
-  job_.reset();
-  Command1->setEnabled(true);
-  unsetCursor();
-}
-
-void LoadWindow::closeEvent(QCloseEvent* event) {
-  stopLoad();
-  ToolWindow::closeEvent(event);
-}
-
-void LoadWindow::finishLoad(int generation, const RecordFunctionTable& table, const LoadResult& r) {
-  if (generation != generation_) return;
-  stopLoad();
-  // A load replaces the table; one that failed only clears its kind.
-  if (r.loaded) state_.Records = table;
-  else state_.Records.kind = NoData;
+void LoadWindow::showLoad(const LoadResult& r) {
   engine_.ErrorFlag = 0;
   if (r.errorCode) engine_.Fail(r.errorCode);
   if (r.shown) QMessageBox::warning(this, windowTitle(), QString::fromStdString(r.reason));

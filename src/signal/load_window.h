@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QString>
 #include <QTreeView>
-#include <memory>
 
 #include "main/tool_window.h"
 
@@ -19,7 +18,6 @@ class QFileSystemModel;
 namespace merida {
 
 class FileDisplayWindow;
-class Job;
 struct LoadResult;
 
 class LoadWindow : public ToolWindow {
@@ -27,7 +25,6 @@ class LoadWindow : public ToolWindow {
 
  public:
   LoadWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
-  ~LoadWindow() override;
 
   void retranslate() override;
 
@@ -39,7 +36,7 @@ class LoadWindow : public ToolWindow {
   // Select: 1 shows only the data files' extensions, -1 every file.
   int16_t select() const { return select_; }
   // True while Load reads a file (on a worker thread); Close stops it.
-  bool loading() const { return job_ != nullptr; }
+  bool loading() const { return jobRunning(); }
   // The File Display window Graph opens; null until then.
   FileDisplayWindow* fileDisplayWindow() const;
 
@@ -59,10 +56,8 @@ class LoadWindow : public ToolWindow {
   void chooseFile(const QModelIndex& index);
   void applyPattern();
   void load();
-  void stopLoad();
-  void finishLoad(int generation, const RecordFunctionTable& table, const LoadResult& r);
+  void showLoad(const LoadResult& r);
   void graph();
-  void closeEvent(QCloseEvent* event) override;
 
   QFileSystemModel* dirs_;
   QFileSystemModel* files_;
@@ -70,8 +65,6 @@ class LoadWindow : public ToolWindow {
   QString chosen_;
   int16_t select_ = -1;
   QPointer<FileDisplayWindow> display_;
-  std::unique_ptr<Job> job_;  // the load under way
-  int generation_ = 0;        // of the newest load: results of stopped ones are dropped
 };
 
 }  // namespace merida

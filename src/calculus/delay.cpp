@@ -55,6 +55,7 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
   if (N > kMaxDelayPoints) {
     N = kMaxDelayPoints - 1;
     r.stepBox = std::to_string(kMaxDelayPoints);
+    engine.host().showBox("Text1", *r.stepBox);
   }
 
   // K: the largest k of the program's timestep(k) cells.
@@ -106,6 +107,7 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
     if (s != PointStatus::kOk) return Ended(engine, r, s == PointStatus::kFault ? DelayEnd::kFault : DelayEnd::kError);
     history[Position(n, K)] = v;
     add(n, v);
+    engine.host().progress(n, static_cast<int64_t>(N));
     if (StopRequestedAfterEvents(engine)) return Ended(engine, r, DelayEnd::kStopped);
   }
   engine.BindToX = -1;

@@ -82,20 +82,26 @@ void DelayWindow::storeInitValue() {
 }
 
 void DelayWindow::go() {
-  if (running_) return;
-  running_ = true;
+  if (jobRunning()) {
+    stopJob();  // Go reads "Stop" while the recurrence runs
+    return;
+  }
   std::vector<std::string> cells;
   for (int row = 1; row <= kMaxDelay; ++row) cells.push_back(Grid1->cellText(row, 1).toStdString());
-  DelayResult r = RunDelay(engine_, state_, formula_ ? formula_().toStdString() : std::string(),
-                           Text1->text().toStdString(), cells);
-  running_ = false;
-  if (r.stepBox) Text1->setText(QString::fromStdString(*r.stepBox));
-  // A run that read its initial values shows what it computed, up to an error or a stop.
-  if (r.largestDelay > 0 && !r.points.empty()) {
-    Graph1->setPoints(1, r.points);
-  }
-  Graph1->draw();
+  const std::string formula = formula_ ? formula_().toStdString() : std::string();
+  const std::string steps = Text1->text().toStdString();
+  auto result = std::make_shared<DelayResult>();
+  startJob(
+      Command1,
+      [result, formula, steps, cells](ToolRun& run) { *result = RunDelay(run.engine, run.state, formula, steps, cells); },
+      [this, result](ToolRun&) {
+        // A run that read its initial values shows what it computed, up to an error.
+        if (result->largestDelay > 0 && !result->points.empty()) Graph1->setPoints(1, result->points);
+        Graph1->draw();
+      });
 }
+
+bool DelayWindow::running() const { return jobRunning(); }
 
 void DelayWindow::closeEvent(QCloseEvent* event) {
   engine_.BindToX = -1;

@@ -24,7 +24,7 @@ class DelayWindow : public ToolWindow {
   DelayWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent = nullptr);
 
   void retranslate() override;
-  bool running() const { return running_; }
+  bool running() const;
 
   QPushButton *Command1, *Command2, *Command3, *Command4;
   QGroupBox *Frame1, *Frame2;
@@ -40,7 +40,6 @@ class DelayWindow : public ToolWindow {
   void storeInitValue();
 
   std::function<QString()> formula_;
-  bool running_ = false;
   QPointer<StatDataWindow> data_;
 };
 

@@ -138,15 +138,6 @@ std::optional<std::pair<std::string, std::string>> PrepareDoubleIntegral(Engine&
   return std::make_pair(f.variables()[0], f.variables()[1]);
 }
 
-std::optional<std::string> CappedDivisions(std::string_view numBox) {
-  std::optional<double> count = ReadDivisions(numBox);
-  if (!count) return std::nullopt;
-  double n = *count;
-  if (std::fmod(n, 2) != 0) n += 1;
-  if (n <= kMaxIntegrationDivisions) return std::nullopt;
-  return PlainText(double{kMaxIntegrationDivisions});
-}
-
 IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_view formula, const RangeBoxes& first,
                                   const RangeBoxes& second) {
   IntegrationResult r;
@@ -162,7 +153,8 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
   struct Range {
     double a, b, n;
   };
-  auto read = [&](const RangeBoxes& boxes, std::optional<std::string>& box, const char* which) -> std::optional<Range> {
+  auto read = [&](const RangeBoxes& boxes, std::optional<std::string>& box, const char* which,
+                  const char* boxName) -> std::optional<Range> {
     std::optional<Limits> l = ReadLimits(engine, boxes);
     if (!l) return std::nullopt;
     std::optional<double> count = ReadDivisions(boxes.num);
@@ -172,11 +164,12 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
     if (n > kMaxIntegrationDivisions) {
       n = kMaxIntegrationDivisions;
       box = PlainText(n);
+      engine.host().showBox(boxName, *box);
     }
     return Range{l->a, l->b, n};
   };
-  std::optional<Range> r1 = read(first, r.numBox, "first ");
-  std::optional<Range> r2 = r1 ? read(second, r.numBox2, "second ") : std::nullopt;
+  std::optional<Range> r1 = read(first, r.numBox, "first ", "Text3");
+  std::optional<Range> r2 = r1 ? read(second, r.numBox2, "second ", "Text6") : std::nullopt;
   if (!r1 || !r2) {
     if (engine.failed()) return Ended(engine, state, r, engine.FaultFlag ? IntegrationEnd::kFault : IntegrationEnd::kError);
     return Ended(engine, state, r, IntegrationEnd::kSilent);

@@ -43,12 +43,8 @@ IntegrationResult IntegrateSingle(Engine& engine, AppState& state, std::string_v
 // after error 33 (or the compiler's own error) has been shown.
 std::optional<std::pair<std::string, std::string>> PrepareDoubleIntegral(Engine& engine, std::string_view formula);
 
-// The text a Num box shows once its count is capped (a count above the largest); nullopt when
-// the box is not capped.
-std::optional<std::string> CappedDivisions(std::string_view numBox);
-
 // Go of the Double Integration window: tensor-product Simpson over first x second. Reports its
-// progress a row of the first variable at a time.
+// progress a row of the first variable at a time, and a capped count (Text3, Text6) as it reads it.
 IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_view formula,
                                   const RangeBoxes& first, const RangeBoxes& second);
 

@@ -168,10 +168,6 @@ void DoubleIntegrationWindow::go() {
   main_.answer(QString());
   const std::string formula = main_.formula().toStdString();
   const RangeBoxes first{Text(Text1), Text(Text2), Text(Text3)}, second{Text(Text4), Text(Text5), Text(Text6)};
-  // The capped counts show at once; the work takes its boxes as they were typed.
-  for (auto [box, capped] : {std::pair{Text3, CappedDivisions(first.num)}, std::pair{Text6, CappedDivisions(second.num)}}) {
-    if (capped) box->setText(QString::fromStdString(*capped));
-  }
   auto result = std::make_shared<IntegrationResult>();
   startJob(
       Command1,

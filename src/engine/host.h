@@ -26,6 +26,10 @@ class EngineHost {
 
   // How far a long run has come: `done` of `total` steps.
   virtual void progress(int64_t /*done*/, int64_t /*total*/) {}
+
+  // A box the run rewrites (a capped count), named as its window names it, at the moment the
+  // run reads it: a window shows the new text while the run goes on.
+  virtual void showBox(const std::string& /*box*/, const std::string& /*text*/) {}
 };
 
 // A host that answers nothing and shows nothing: free variables count as cancelled.

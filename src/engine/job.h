@@ -61,6 +61,12 @@ class JobHost : public EngineHost {
   void showFault(const std::string& description) override { messages_.push_back({true, 0, description}); }
   void processEvents() override;
   void progress(int64_t done, int64_t total) override;
+  void showBox(const std::string& box, const std::string& text) override {
+    if (boxShown) boxShown(box, text);
+  }
+
+  // Set by the window before the job starts; called on the job's thread.
+  std::function<void(const std::string& box, const std::string& text)> boxShown;
 
   // The job's stop request, for work that checks it itself (a file read).
   std::stop_token stopToken() const { return stop_; }

@@ -77,6 +77,11 @@ void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, s
   startedMs_ = QDateTime::currentMSecsSinceEpoch();
   progressTimer_->start();
   const int generation = ++generation_;
+  run_->host.boxShown = [this](const std::string& box, const std::string& text) {
+    postWhileRunning([this, name = QString::fromStdString(box), value = QString::fromStdString(text)] {
+      if (auto* edit = findChild<QLineEdit*>(name)) edit->setText(value);
+    });
+  };
   std::shared_ptr<ToolRun> run = run_;
   job_ = std::make_unique<Job>(
       [run, work = std::move(work)](std::stop_token stop, JobProgress& progress) {

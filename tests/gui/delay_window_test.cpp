@@ -12,6 +12,8 @@ class DelayWindowTest : public GuiTest {
     press(14);
     return qobject_cast<DelayWindow*>(window(QStringLiteral("DelayWindow")));
   }
+  // The run ends on a worker thread; its chart and messages come after.
+  static void waitForRun(DelayWindow* w) { EXPECT_TRUE(QTest::qWaitFor([w] { return !w->running(); }, 10000)); }
   static std::vector<double> chartValues(DelayWindow* w) {
     std::vector<double> out;
     for (const QPointF& p : w->Graph1->points(1)) out.push_back(p.y());
@@ -33,6 +35,7 @@ TEST_F(DelayWindowTest, InitValueBoxFillsTheColumnAndGoPlotsAndRecords) {
   EXPECT_EQ(w->Grid1->currentRow(), 3);
   w->Text1->setText("7");
   QTest::keyClick(w->Text1, Qt::Key_Return);
+  waitForRun(w);
   EXPECT_EQ(chartValues(w), (std::vector<double>{1, 1, 2, 3, 5, 8, 13, 21}));
   EXPECT_EQ(state().Records.count, 8);
   EXPECT_EQ(state().Records.values[8][1], 21.0f);
@@ -46,10 +49,12 @@ TEST_F(DelayWindowTest, ErrorsAndTheCapShowInTheWindows) {
   w->Grid1->setCellText(1, 1, "1");
   w->Text1->setText("10000");
   QTest::mouseClick(w->Command1, Qt::LeftButton);
+  waitForRun(w);
   EXPECT_EQ(errorText(), "遅延演算で変数は使えません");
   acknowledgeError();
   main().setFormulaText("timestep(1)*1");
   QTest::mouseClick(w->Command1, Qt::LeftButton);
+  waitForRun(w);
   EXPECT_EQ(w->Text1->text(), "6000");
   EXPECT_EQ(w->Graph1->points(1).size(), 6000);
 }

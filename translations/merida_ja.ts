@@ -1220,4 +1220,19 @@
         <translation>中止</translation>
     </message>
 </context>
+<context>
+    <name>merida::ToolWindow</name>
+    <message>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <source>%1 of %2 (%3%)  %4 s</source>
+        <translation>%1 / %2 (%3%)  %4 秒</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 秒</translation>
+    </message>
+</context>
 </TS>

@@ -110,6 +110,20 @@ TEST_F(LongDoubleIntegral, CalcDuringTheRunLeavesItAlone) {
   EXPECT_EQ(d->Command1->text(), "Go");
 }
 
+// In Japanese, Go reads 停止 while the run goes on, and the bar counts in seconds (秒).
+TEST_F(LongDoubleIntegral, JapaneseStopAndProgress) {
+  writeFile("MERIDA.DEF", "Japanese\r\n");
+  DoubleIntegrationWindow* d = openDouble("x*y", "10000");
+  ASSERT_NE(d, nullptr);
+  const QString go = d->Command1->text();
+  QTest::mouseClick(d->Command1, Qt::LeftButton);
+  EXPECT_EQ(d->Command1->text(), "停止");
+  ASSERT_TRUE(QTest::qWaitFor([d] { return d->progressBar() && d->progressBar()->isVisible(); }, 5000));
+  EXPECT_TRUE(d->progressBar()->text().endsWith(" 秒")) << d->progressBar()->text().toStdString();
+  QTest::mouseClick(d->Command1, Qt::LeftButton);
+  EXPECT_EQ(d->Command1->text(), go);
+}
+
 // Capped counts show at the start; the bar moves while the run goes on; Go, reading Stop,
 // Close and Escape each end the run at once and leave no answer.
 TEST_F(LongDoubleIntegral, ProgressShowsAndStopCloseAndEscapeEndTheRun) {

@@ -70,14 +70,18 @@ DiffWindow::DiffWindow(Engine& engine, AppState& state, std::function<QString()>
   layout->addLayout(side);
   resize(820, 540);
 
-  connect(Command1, &QPushButton::clicked, this, [this] {
-    run([this] { return RunGrade(engine_, state_, formula_().toStdString(), boxes(), 1, plane_ == 1); });
-  });
-  connect(Command2, &QPushButton::clicked, this, [this] {
-    run([this] { return RunGrade(engine_, state_, formula_().toStdString(), boxes(), 2, plane_ == 1); });
-  });
+  // Each run reads the formula and the boxes now, and computes on its own engine.
+  auto grade = [this](int g) {
+    return [this, g, formula = formula_().toStdString(), b = boxes(), plane = plane_ == 1](Engine& e, AppState& s) {
+      return RunGrade(e, s, formula, b, g, plane);
+    };
+  };
+  connect(Command1, &QPushButton::clicked, this, [this, grade] { run(Command1, grade(1)); });
+  connect(Command2, &QPushButton::clicked, this, [this, grade] { run(Command2, grade(2)); });
   connect(Command4, &QPushButton::clicked, this, [this] {
-    run([this] { return RunSimult(engine_, state_, formula_().toStdString(), boxes(), plane_ == 1); });
+    run(Command4, [formula = formula_().toStdString(), b = boxes(), plane = plane_ == 1](Engine& e, AppState& s) {
+      return RunSimult(e, s, formula, b, plane);
+    });
   });
   connect(Command3, &QPushButton::clicked, this, &QWidget::close);
   connect(Command5, &QPushButton::clicked, this, [this] { statDataWindow()->open(); });
@@ -150,14 +154,21 @@ DiffBoxes DiffWindow::boxes() const {
   return {t(Text1), t(Text2), t(Text3), t(Text4), t(Text5), t(Text6), t(Text7), t(Text8)};
 }
 
-void DiffWindow::run(const std::function<DiffResult()>& compute) {
-  if (running_) return;  // the user interface stays live during a run; one at a time
-  running_ = true;
-  DiffResult r = compute();
-  running_ = false;
-  syncRungeKutta();  // Simult ticks RungeKutta
-  if (r.end != DiffEnd::kNothing) display(r);
+void DiffWindow::run(QPushButton* button, std::function<DiffResult(Engine&, AppState&)> compute) {
+  if (jobRunning()) {
+    stopJob();  // the running button reads "Stop"; any run button ends the run
+    return;
+  }
+  auto result = std::make_shared<DiffResult>();
+  startJob(
+      button, [result, compute = std::move(compute)](ToolRun& run) { *result = compute(run.engine, run.state); },
+      [this, result](ToolRun&) {
+        syncRungeKutta();  // Simult ticks RungeKutta
+        if (result->end != DiffEnd::kNothing) display(*result);
+      });
 }
+
+bool DiffWindow::running() const { return jobRunning(); }
 
 void DiffWindow::display(const DiffResult& r) {
   // A computation that began shows exactly the points it reached; one that never began

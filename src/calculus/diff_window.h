@@ -25,7 +25,7 @@ class DiffWindow : public ToolWindow {
   DiffWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent = nullptr);
 
   void retranslate() override;
-  bool running() const { return running_; }
+  bool running() const;
   // The phase-plane field: 1 on, -1 off.
   int16_t plane() const { return plane_; }
   StatDataWindow* statDataWindow();
@@ -43,13 +43,12 @@ class DiffWindow : public ToolWindow {
  private:
   DiffBoxes boxes() const;
   // Runs one computation at a time, then has the chart draw.
-  void run(const std::function<DiffResult()>& compute);
+  void run(QPushButton* button, std::function<DiffResult(Engine&, AppState&)> compute);
   void display(const DiffResult& r);
   void syncRungeKutta();
 
   std::function<QString()> formula_;
   int16_t plane_ = -1;
-  bool running_ = false;
   QPointer<StatDataWindow> data_;
 };
 

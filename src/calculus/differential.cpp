@@ -164,6 +164,7 @@ DiffResult Derivative(Engine& engine, AppState& state, std::string_view formula,
     if (!out.add(i, X, d)) return Ended(engine, r, DiffEnd::kFault);
     x = X;
     X = X + h;
+    engine.host().progress(i, n);
     if (StopRequestedAfterEvents(engine)) return Ended(engine, r, DiffEnd::kStopped);
   }
   r.end = DiffEnd::kCompleted;
@@ -283,6 +284,7 @@ DiffResult Solve(Engine& engine, AppState& state, const Fields& f, DiffModeValue
     if (PointStatus s = Step(method, grade, fs, f.h, st); s != PointStatus::kOk) return Ended(engine, r, EndOf(s));
     bool stored = plane ? out.phase(before, st.d) : out.add(i + 1, st.x, st.y, z());
     if (!stored || !std::isfinite(st.y) || !std::isfinite(st.p)) return Ended(engine, r, DiffEnd::kFault);
+    engine.host().progress(i, n);
     if (StopRequestedAfterEvents(engine)) return Ended(engine, r, DiffEnd::kStopped);
   }
   // The phase plane ends at the last value with the first-order solvers' last slope, or

@@ -98,6 +98,7 @@ IntegrationResult IntegrateSingle(Engine& engine, AppState& state, std::string_v
     n = kMaxIntegrationDivisions;
     r.numBox = PlainText(n);
   }
+  if (r.numBox) engine.host().showBox("Text3", *r.numBox);
   const double h = (l->b - l->a) / n;
   if (!std::isfinite(h)) return Ended(engine, state, r, IntegrationEnd::kFault);
 

@@ -28,15 +28,6 @@ QGroupBox* LabelFrame(const char* frameName, QLabel*& label, const char* labelNa
 
 std::string Text(const QLineEdit* box) { return box->text().toStdString(); }
 
-// Runs one computation at a time; the user interface stays live while it runs.
-template <class Run>
-void RunOnce(bool& running, Run run) {
-  if (running) return;
-  running = true;
-  run();
-  running = false;
-}
-
 }  // namespace
 
 IntegrationWindow::IntegrationWindow(Engine& engine, AppState& state, MainFormula main, QWidget* parent)
@@ -77,17 +68,25 @@ void IntegrationWindow::retranslate() {
 }
 
 void IntegrationWindow::go() {
-  RunOnce(running_, [this] {
-    main_.answer(QString());
-    IntegrationResult r =
-        IntegrateSingle(engine_, state_, main_.formula().toStdString(), {Text(Text1), Text(Text2), Text(Text3)});
-    if (r.numBox) Text3->setText(QString::fromStdString(*r.numBox));
-    if (r.value) main_.answer(QString::fromStdString(PlainText(*r.value)));
-  });
+  if (jobRunning()) {
+    stopJob();  // Go reads "Stop" while the integral runs
+    return;
+  }
+  main_.answer(QString());
+  const std::string formula = main_.formula().toStdString();
+  const RangeBoxes boxes{Text(Text1), Text(Text2), Text(Text3)};
+  auto result = std::make_shared<IntegrationResult>();
+  startJob(
+      Command1, [result, formula, boxes](ToolRun& run) { *result = IntegrateSingle(run.engine, run.state, formula, boxes); },
+      [this, result](ToolRun&) {
+        if (result->value) main_.answer(QString::fromStdString(PlainText(*result->value)));
+      });
 }
 
+bool IntegrationWindow::running() const { return jobRunning(); }
+
 void IntegrationWindow::openDouble() {
-  if (running_) return;
+  if (jobRunning()) return;
   auto names = PrepareDoubleIntegral(engine_, main_.formula().toStdString());
   if (!names) return;
   if (!double_) {

@@ -51,7 +51,7 @@ class IntegrationWindow : public ToolWindow {
   IntegrationWindow(Engine& engine, AppState& state, MainFormula main, QWidget* parent = nullptr);
 
   void retranslate() override;
-  bool running() const { return running_; }
+  bool running() const;
   // The Double Integration window, once Double has opened it.
   DoubleIntegrationWindow* doubleWindow() const { return double_; }
 
@@ -67,7 +67,6 @@ class IntegrationWindow : public ToolWindow {
   void openDouble();
 
   MainFormula main_;
-  bool running_ = false;
   QPointer<DoubleIntegrationWindow> double_;
 };
 

@@ -15,6 +15,8 @@ class IntegrationWindows : public GuiTest {
     press(7);
     return qobject_cast<IntegrationWindow*>(window(QStringLiteral("IntegrationWindow")));
   }
+  // The run ends on a worker thread; its answer and messages come after.
+  static void waitForRun(IntegrationWindow* w) { EXPECT_TRUE(QTest::qWaitFor([w] { return !w->running(); }, 10000)); }
 };
 
 TEST_F(IntegrationWindows, GoWritesTheAnswerAndTheEvenedCount) {
@@ -26,18 +28,21 @@ TEST_F(IntegrationWindows, GoWritesTheAnswerAndTheEvenedCount) {
   w->Text2->setText("1");
   w->Text3->setText("7");
   QTest::mouseClick(w->Command1, Qt::LeftButton);
+  waitForRun(w);
   EXPECT_EQ(main().answerText(), "0.333333333333333");
   EXPECT_EQ(w->Text3->text(), "8");
 
   // A reversed range clears the answer and shows nothing else.
   w->Text2->setText("-1");
   QTest::keyClick(w->Text2, Qt::Key_Return);
+  waitForRun(w);
   EXPECT_EQ(main().answerText(), "");
   EXPECT_EQ(errorText(), "");
 
   main().setFormulaText("x*y");
   w->Text2->setText("1");
   QTest::mouseClick(w->Command1, Qt::LeftButton);
+  waitForRun(w);
   EXPECT_EQ(errorText(), "グラフおよび積分の変数は１個までです");
   EXPECT_EQ(main().answerText(), "");
 }

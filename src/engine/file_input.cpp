@@ -17,10 +17,9 @@ constexpr size_t kChunk = 64 * 1024;
 
 }  // namespace
 
-ByteInput::ByteInput(std::string_view bytes)
-    : data_(bytes.data()), end_(bytes.size()), size_(bytes.size()), offset_(bytes.size()) {}
+ByteInput::ByteInput(std::string_view bytes) : data_(bytes.data()), end_(bytes.size()), offset_(bytes.size()) {}
 
-ByteInput::ByteInput(int fd, uint64_t size) : fd_(fd), buffer_(kChunk), data_(buffer_.data()), size_(size) {}
+ByteInput::ByteInput(int fd) : fd_(fd), buffer_(kChunk), data_(buffer_.data()) {}
 
 ByteInput::ByteInput(ByteInput&& other) noexcept
     : fd_(std::exchange(other.fd_, -1)),
@@ -28,7 +27,6 @@ ByteInput::ByteInput(ByteInput&& other) noexcept
       data_(fd_ >= 0 ? buffer_.data() : other.data_),
       pos_(other.pos_),
       end_(other.end_),
-      size_(other.size_),
       offset_(other.offset_),
       stop_(std::move(other.stop_)),
       stopped_(other.stopped_),
@@ -53,7 +51,7 @@ std::optional<ByteInput> ByteInput::Open(const std::filesystem::path& path, std:
     return S_ISDIR(st.st_mode) ? refuse(EISDIR, nullptr) : refuse(EINVAL, "not a regular file");
   }
   ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
-  return ByteInput(fd, static_cast<uint64_t>(st.st_size));
+  return ByteInput(fd);
 }
 
 void ByteInput::refill() {
@@ -127,7 +125,6 @@ SmallFile ReadSmallFile(const std::filesystem::path& path, size_t maxBytes) {
   }
   f.text.resize(maxBytes);
   f.text.resize(in->read(f.text.data(), maxBytes));
-  f.truncated = in->peek() >= 0;
   f.error = in->error();
   return f;
 }

@@ -45,8 +45,6 @@ class ByteInput {
   // Reads up to n bytes; fewer only at the end.
   size_t read(char* out, size_t n);
 
-  // The size of the whole input (a file's size when it was opened).
-  uint64_t size() const { return size_; }
   // Bytes read so far.
   uint64_t position() const { return offset_ - (end_ - pos_); }
 
@@ -57,14 +55,14 @@ class ByteInput {
   const std::string& error() const { return error_; }
 
  private:
-  ByteInput(int fd, uint64_t size);
+  explicit ByteInput(int fd);
   void refill();
 
   int fd_ = -1;
   std::vector<char> buffer_;
   const char* data_ = nullptr;
   size_t pos_ = 0, end_ = 0;
-  uint64_t size_ = 0, offset_ = 0;
+  uint64_t offset_ = 0;
   std::stop_token stop_;
   bool stopped_ = false;
   std::string error_;
@@ -74,11 +72,10 @@ class ByteInput {
 // its end and comes back as nullopt with `tooLong` set. nullopt without it at the end.
 std::optional<std::string_view> NextLine(ByteInput& in, std::string& scratch, size_t maxLength, bool& tooLong);
 
-// A small file whole: at most `maxBytes` of it (the rest is left unread and `truncated` set).
+// The start of a small file: at most `maxBytes` of it, the rest left unread.
 struct SmallFile {
   std::string text;
   bool missing = false;    // there is no such file: not an error
-  bool truncated = false;
   std::string error;       // why it could not be read; empty when it was
 };
 SmallFile ReadSmallFile(const std::filesystem::path& path, size_t maxBytes);

@@ -1227,6 +1227,10 @@
         <translation>停止</translation>
     </message>
     <message>
+        <source>Waiting for %1 to end</source>
+        <translation>%1 の終了を待っています</translation>
+    </message>
+    <message>
         <source>%1 of %2 (%3%)  %4 s</source>
         <translation>%1 / %2 (%3%)  %4 秒</translation>
     </message>

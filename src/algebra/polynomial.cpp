@@ -129,7 +129,7 @@ std::optional<Polynomial> ExtractCoefficients(Engine& engine, std::string_view b
     return std::nullopt;
   };
   do {
-    if (StopRequestedAfterEvents(engine)) return std::nullopt;
+    if (StopRequestedAtCheckpoint(engine)) return std::nullopt;
     Term term;
     if (int error = SplitTerm(rest, term)) return fail(error);
     if (term.exponent > kMaxPolynomialDegree) return fail(kDegreeError);
@@ -244,32 +244,32 @@ double SnapToInteger(double v, double tolerance) {
   return v;
 }
 
-PolynomialTools::PolynomialTools(Engine& engine) : engine_(engine) {}
+PolynomialTools::PolynomialTools(Engine& engine) : engine_(&engine) {}
 
 std::optional<Polynomial> PolynomialTools::extract(std::string_view formula) {
-  engine_.BeginRun(-1, formula);
-  engine_.SplitFormula();
-  if (engine_.failed()) return std::nullopt;
+  engine_->BeginRun(-1, formula);
+  engine_->SplitFormula();
+  if (engine_->failed()) return std::nullopt;
   std::string varName;
-  return ExtractCoefficients(engine_, engine_.BodyText, varName);
+  return ExtractCoefficients(*engine_, engine_->BodyText, varName);
 }
 
 PolyResult PolynomialTools::expand(std::string_view formula) {
   PolyResult r;
-  engine_.BeginRun(-1, formula);
-  engine_.SplitFormula();
+  engine_->BeginRun(-1, formula);
+  engine_->SplitFormula();
   auto ended = [&] {
-    engine_.UnboundPolicy = -1;
-    r.end = engine_.StopRequested == 1 && !engine_.failed() ? PolyEnd::kStopped : FailedEnd(engine_);
+    engine_->UnboundPolicy = -1;
+    r.end = engine_->StopRequested == 1 && !engine_->failed() ? PolyEnd::kStopped : FailedEnd(*engine_);
     return r;
   };
-  if (engine_.failed()) return ended();
-  const std::string body = engine_.BodyText;
+  if (engine_->failed()) return ended();
+  const std::string body = engine_->BodyText;
   std::string varName;
   Polynomial product;
   product.coef[0] = 1;
   auto syntax = [&] {
-    engine_.Fail(kSyntaxError);
+    engine_->Fail(kSyntaxError);
     return ended();
   };
   size_t i = 0;
@@ -289,14 +289,14 @@ PolyResult PolynomialTools::expand(std::string_view formula) {
       if (i >= body.size() || !IsDigit(body[i])) return syntax();
       power = DigitRun(body, i);
       if (power < 1) {
-        engine_.Fail(kNegativePowerError);
+        engine_->Fail(kNegativePowerError);
         return ended();
       }
     }
-    std::optional<Polynomial> f = ExtractCoefficients(engine_, inside, varName);
+    std::optional<Polynomial> f = ExtractCoefficients(*engine_, inside, varName);
     if (!f) return ended();
     if (f->degree * power + product.degree > kMaxPolynomialDegree) {
-      engine_.Fail(kDegreeError);
+      engine_->Fail(kDegreeError);
       return ended();
     }
     for (int k = 0; k < power; ++k) {
@@ -308,8 +308,8 @@ PolyResult PolynomialTools::expand(std::string_view formula) {
       product.degree += f->degree;
     }
     if (!AllFinite(product.coef, product.degree)) {
-      engine_.FaultFlag = true;
-      EndRunOnFault(engine_);
+      engine_->FaultFlag = true;
+      EndRunOnFault(*engine_);
       return ended();
     }
     if (i >= body.size()) break;
@@ -318,19 +318,19 @@ PolyResult PolynomialTools::expand(std::string_view formula) {
   }
   product.varName = varName;
   poly_ = product;
-  engine_.BodyText = ExpandText(product);
-  engine_.UnboundPolicy = -1;
+  engine_->BodyText = ExpandText(product);
+  engine_->UnboundPolicy = -1;
   r.end = PolyEnd::kDone;
-  r.secondFunction = engine_.BodyText;
+  r.secondFunction = engine_->BodyText;
   return r;
 }
 
 PolyResult PolynomialTools::arrange(std::string_view formula) {
   PolyResult r;
   std::optional<Polynomial> p = extract(formula);
-  engine_.UnboundPolicy = -1;
+  engine_->UnboundPolicy = -1;
   if (!p) {
-    r.end = engine_.failed() ? FailedEnd(engine_) : PolyEnd::kStopped;
+    r.end = engine_->failed() ? FailedEnd(*engine_) : PolyEnd::kStopped;
     return r;
   }
   poly_ = *p;
@@ -346,23 +346,23 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
   PolyResult r;
   std::optional<Polynomial> p = extract(formula);
   auto end = [&](PolyEnd e) {
-    engine_.UnboundPolicy = -1;
+    engine_->UnboundPolicy = -1;
     r.end = e;
     return r;
   };
-  if (!p) return end(engine_.failed() ? FailedEnd(engine_) : PolyEnd::kStopped);
+  if (!p) return end(engine_->failed() ? FailedEnd(*engine_) : PolyEnd::kStopped);
   // Leading zeros (x^3-x^3+x) would divide by zero; the polynomial is what remains.
   p->degree = TrueDegree(p->coef, p->degree);
   poly_ = *p;
   work_ = p->coef;
   workDegree_ = 0;
   if (p->degree <= 0) {
-    engine_.EndSilently("the formula is a constant: it has no roots to seek");
+    engine_->EndSilently("the formula is a constant: it has no roots to seek");
     return end(PolyEnd::kSilent);
   }
   std::optional<double> tolerance = ReadNumber(toleranceBox);
   if (!tolerance) {
-    engine_.EndSilently("the tolerance must be a number (not \"" + std::string(Trim(toleranceBox)) + "\")");
+    engine_->EndSilently("the tolerance must be a number (not \"" + std::string(Trim(toleranceBox)) + "\")");
     return end(PolyEnd::kSilent);
   }
   integerTolerance_ = *tolerance;
@@ -386,7 +386,7 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
       pv = unit(random_);
       qv = unit(random_);
       for (int it = 0; it < kIterationsPerStart; ++it) {
-        if (StopRequestedAfterEvents(engine_)) return end(PolyEnd::kStopped);
+        if (StopRequestedAtCheckpoint(*engine_)) return end(PolyEnd::kStopped);
         b[0] = a[0];
         b[1] = a[1] - pv * b[0];
         for (int i = 2; i <= n; ++i) b[i] = a[i] - pv * b[i - 1] - qv * b[i - 2];
@@ -407,7 +407,7 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
       }
     }
     if (!converged) {
-      engine_.EndSilently("Seek found no factor: the method did not converge");
+      engine_->EndSilently("Seek found no factor: the method did not converge");
       return end(PolyEnd::kNoConvergence);
     }
     pv = snap(pv);
@@ -427,8 +427,8 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
   }
   for (const PolyRoot& root : found.roots) {
     if (!std::isfinite(root.value)) {
-      engine_.FaultFlag = true;
-      EndRunOnFault(engine_);
+      engine_->FaultFlag = true;
+      EndRunOnFault(*engine_);
       return end(PolyEnd::kFault);
     }
   }
@@ -462,7 +462,7 @@ std::optional<PolynomialTools::Division> PolynomialTools::divide(Coefficients& w
   q[m] = q[m] / k;
   for (int i = m - 1; i >= 0; --i) q[i] = (q[i] - q[i + 1] * c) / k;
   if (!(std::fabs(q[0]) <= judge)) {
-    engine_.Fail(kBadFactorError);
+    engine_->Fail(kBadFactorError);
     return std::nullopt;
   }
   for (int i = 0; i < m; ++i) q[i] = q[i + 1];
@@ -486,10 +486,10 @@ std::optional<PolynomialTools::Division> PolynomialTools::divide(Coefficients& w
 PolyResult PolynomialTools::factor(std::string_view polynomialBox, std::string_view toleranceBox, double judge,
                                    bool coefficientOn) {
   PolyResult r;
-  engine_.ErrorFlag = 0;
+  engine_->ErrorFlag = 0;
   if (std::optional<double> t = ReadNumber(toleranceBox)) integerTolerance_ = *t;
   auto end = [&](PolyEnd e) {
-    engine_.UnboundPolicy = -1;
+    engine_->UnboundPolicy = -1;
     r.end = e;
     return r;
   };
@@ -505,12 +505,12 @@ PolyResult PolynomialTools::factor(std::string_view polynomialBox, std::string_v
       r.secondFunction = prefix + "(" + d->factor + ")*(" + d->quotient + ")";
       prefix += "(" + d->factor + ")*";
     }
-    if (!r.secondFunction) engine_.EndSilently("there is no real root of a Seek to divide by");
+    if (!r.secondFunction) engine_->EndSilently("there is no real root of a Seek to divide by");
     return end(r.secondFunction ? PolyEnd::kDone : PolyEnd::kSilent);
   }
   std::optional<double> v = ReadNumber(polynomialBox);
   if (!v) {
-    engine_.EndSilently("the root to divide by must be a number (not \"" + std::string(Trim(polynomialBox)) + "\")");
+    engine_->EndSilently("the root to divide by must be a number (not \"" + std::string(Trim(polynomialBox)) + "\")");
     return end(PolyEnd::kSilent);
   }
   if (workDegree_ == 0) {
@@ -518,7 +518,7 @@ PolyResult PolynomialTools::factor(std::string_view polynomialBox, std::string_v
     factorPrefix_.clear();
   }
   if (workDegree_ <= 1) {
-    engine_.EndSilently("the polynomial is already of degree 1 or less");
+    engine_->EndSilently("the polynomial is already of degree 1 or less");
     return end(PolyEnd::kSilent);
   }
   std::optional<Division> d = divide(work_, workDegree_, *v, judge, coefficientOn);

@@ -86,6 +86,8 @@ class PolynomialTools {
   // Factor: with `polynomialBox` (Text6) empty, every real root of the last Seek in turn;
   // with a number, the factor of that root is taken off the working polynomial.
   PolyResult factor(std::string_view polynomialBox, std::string_view toleranceBox, double judge, bool coefficientOn);
+  // The engine the tools compute on from now on (a copy of the tools computes on a job's).
+  void bind(Engine& engine) { engine_ = &engine; }
   // Close: the factoring starts afresh.
   void close() { workDegree_ = 0; }
 
@@ -114,7 +116,7 @@ class PolynomialTools {
   std::optional<Division> divide(std::array<double, kMaxPolynomialDegree + 1>& work, int m, double v, double judge,
                                   bool coefficientOn);
 
-  Engine& engine_;
+  Engine* engine_;
   Polynomial poly_;
   std::array<double, kMaxPolynomialDegree + 1> work_{};
   int workDegree_ = 0;

@@ -90,16 +90,18 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   connect(Command3, &QPushButton::clicked, this, &IntersectionWindow::inter);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
   connect(Command7, &QPushButton::clicked, this, [this] {
-    runPolynomial([this] { return tools_.expand(formula_().toStdString()); });
+    runPolynomial(Command7, [f = formula_().toStdString()](PolynomialTools& t) { return t.expand(f); });
   });
   connect(Command5, &QPushButton::clicked, this, [this] {
-    runPolynomial([this] { return tools_.arrange(formula_().toStdString()); });
+    runPolynomial(Command5, [f = formula_().toStdString()](PolynomialTools& t) { return t.arrange(f); });
   });
   connect(Command4, &QPushButton::clicked, this, [this] {
-    runPolynomial([this] { return tools_.seek(formula_().toStdString(), Text(Text7), judgeValue_, roundOn_ > 0); });
+    runPolynomial(Command4, [f = formula_().toStdString(), tolerance = Text(Text7), judge = judgeValue_,
+                             on = roundOn_ > 0](PolynomialTools& t) { return t.seek(f, tolerance, judge, on); });
   });
   connect(Command6, &QPushButton::clicked, this, [this] {
-    runPolynomial([this] { return tools_.factor(Text(Text6), Text(Text7), judgeValue_, coefficientOn_ > 0); });
+    runPolynomial(Command6, [p = Text(Text6), tolerance = Text(Text7), judge = judgeValue_,
+                             on = coefficientOn_ > 0](PolynomialTools& t) { return t.factor(p, tolerance, judge, on); });
   });
   connect(Command8, &QPushButton::clicked, this, [this] { setFormula_(Text5->text()); });
   connect(Command9, &QPushButton::clicked, this, [this] { printWindow(); });
@@ -159,23 +161,28 @@ void IntersectionWindow::connectToggle(QCheckBox* box, int16_t& value) {
 RootBoxes IntersectionWindow::boxes() const { return {Text(Text1), Text(Text2), Text(Text3), Text(Text4)}; }
 
 void IntersectionWindow::go() {
-  if (running_) return;  // the scan lets events run; one action at a time
-  running_ = true;
-  RootResult r = SearchRoots(engine_, state_, formula_().toStdString(), boxes(), graphOn_ > 0, roundOn_ > 0);
-  running_ = false;
-  if (r.end == RootEnd::kStopped) return;
-  Graph1->setDataSets(1);
-  showSearch(r);
+  search(Command1, [f = formula_().toStdString(), boxes = boxes(), graph = graphOn_ > 0, round = roundOn_ > 0](
+                       ToolRun& run) { return SearchRoots(run.engine, run.state, f, boxes, graph, round); });
 }
 
 void IntersectionWindow::inter() {
-  if (running_) return;
-  running_ = true;
-  RootResult r = SearchIntersections(engine_, state_, formula_().toStdString(), Text(Text5), boxes(), graphOn_ > 0);
-  running_ = false;
-  if (r.end == RootEnd::kStopped) return;
-  Graph1->setDataSets(graphOn_ > 0 ? 2 : 1);
-  showSearch(r);
+  search(Command3, [f = formula_().toStdString(), second = Text(Text5), boxes = boxes(), graph = graphOn_ > 0](
+                       ToolRun& run) { return SearchIntersections(run.engine, run.state, f, second, boxes, graph); });
+}
+
+void IntersectionWindow::search(QPushButton* button, std::function<RootResult(ToolRun&)> scan) {
+  if (jobRunning()) {
+    stopJob();  // the running button reads "Stop"; any of them ends the run
+    return;
+  }
+  auto result = std::make_shared<RootResult>();
+  startJob(
+      button, [result, scan = std::move(scan)](ToolRun& run) { *result = scan(run); },
+      [this, result, sets = button == Command3 && graphOn_ > 0 ? 2 : 1](ToolRun&) {
+        if (result->end == RootEnd::kStopped) return;
+        Graph1->setDataSets(sets);
+        showSearch(*result);
+      });
 }
 
 void IntersectionWindow::showSearch(const RootResult& r) {
@@ -191,12 +198,25 @@ void IntersectionWindow::showSearch(const RootResult& r) {
   }
 }
 
-void IntersectionWindow::runPolynomial(const std::function<PolyResult()>& tool) {
-  if (running_) return;
-  running_ = true;
-  PolyResult r = tool();
-  running_ = false;
-  showPolynomial(r);
+void IntersectionWindow::runPolynomial(QPushButton* button, std::function<PolyResult(PolynomialTools&)> tool) {
+  if (jobRunning()) {
+    stopJob();
+    return;
+  }
+  // The job works on a copy of the tools; the copy replaces them only when it ends.
+  auto tools = std::make_shared<PolynomialTools>(tools_);
+  auto result = std::make_shared<PolyResult>();
+  startJob(
+      button,
+      [tools, result, tool = std::move(tool)](ToolRun& run) {
+        tools->bind(run.engine);
+        *result = tool(*tools);
+      },
+      [this, tools, result](ToolRun&) {
+        tools_ = *tools;
+        tools_.bind(engine_);
+        showPolynomial(*result);
+      });
 }
 
 void IntersectionWindow::showPolynomial(const PolyResult& r) {

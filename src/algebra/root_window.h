@@ -26,7 +26,7 @@ class IntersectionWindow : public ToolWindow {
                      std::function<void(const QString&)> setFormula, QWidget* parent = nullptr);
 
   void retranslate() override;
-  bool running() const { return running_; }
+  bool running() const { return jobRunning(); }
   // The check boxes' values: 1 on, -1 off.
   int16_t graphOn() const { return graphOn_; }
   int16_t roundOn() const { return roundOn_; }
@@ -50,7 +50,8 @@ class IntersectionWindow : public ToolWindow {
   void inter();
   void showSearch(const RootResult& r);
   void showPolynomial(const PolyResult& r);
-  void runPolynomial(const std::function<PolyResult()>& tool);
+  void search(QPushButton* button, std::function<RootResult(ToolRun&)> scan);
+  void runPolynomial(QPushButton* button, std::function<PolyResult(PolynomialTools&)> tool);
   void copyRoot(int row);
   // A check box's click negates its value; the tick follows it.
   void connectToggle(QCheckBox* box, int16_t& value);
@@ -62,7 +63,6 @@ class IntersectionWindow : public ToolWindow {
   int16_t graphOn_ = -1, roundOn_ = -1, coefficientOn_ = -1;
   double judgeValue_ = 1e-7;
   std::vector<double> rootX_;
-  bool running_ = false;
 };
 
 }  // namespace merida

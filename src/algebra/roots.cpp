@@ -185,7 +185,8 @@ void RunScan(Engine& engine, const Range& g, RootResult& r, Scan::Value sample, 
       engine.BindToX = -1;
       return list();  // an error or the 51st root inside the interval: what was found is listed
     }
-    if (StopRequestedAfterEvents(engine)) {
+    engine.host().progress(i, g.n);
+    if (StopRequestedAtCheckpoint(engine)) {
       engine.BindToX = -1;
       r.end = RootEnd::kStopped;
       return;

@@ -20,7 +20,9 @@ Application::Application(const std::filesystem::path& dir) {
 }
 
 Application::~Application() {
-  // Windows go first: they refer to the engine and the state.
+  // Windows go first: they refer to the engine and the state. A job waiting for its turn
+  // must not start while the windows before it close.
+  engine_.recordWriters().Clear();
   main_.reset();
 }
 

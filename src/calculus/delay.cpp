@@ -108,7 +108,7 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
     history[Position(n, K)] = v;
     add(n, v);
     engine.host().progress(n, static_cast<int64_t>(N));
-    if (StopRequestedAfterEvents(engine)) return Ended(engine, r, DelayEnd::kStopped);
+    if (StopRequestedAtCheckpoint(engine)) return Ended(engine, r, DelayEnd::kStopped);
   }
   engine.BindToX = -1;
   r.end = DelayEnd::kCompleted;

@@ -98,7 +98,8 @@ void DelayWindow::go() {
         // A run that read its initial values shows what it computed, up to an error.
         if (result->largestDelay > 0 && !result->points.empty()) Graph1->setPoints(1, result->points);
         Graph1->draw();
-      });
+      },
+      {}, JobWrites::kRecordTable);
 }
 
 bool DelayWindow::running() const { return jobRunning(); }

@@ -165,7 +165,8 @@ void DiffWindow::run(QPushButton* button, std::function<DiffResult(Engine&, AppS
       [this, result](ToolRun&) {
         syncRungeKutta();  // Simult ticks RungeKutta
         if (result->end != DiffEnd::kNothing) display(*result);
-      });
+      },
+      {}, JobWrites::kRecordTable);
 }
 
 bool DiffWindow::running() const { return jobRunning(); }

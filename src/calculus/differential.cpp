@@ -165,7 +165,7 @@ DiffResult Derivative(Engine& engine, AppState& state, std::string_view formula,
     x = X;
     X = X + h;
     engine.host().progress(i, n);
-    if (StopRequestedAfterEvents(engine)) return Ended(engine, r, DiffEnd::kStopped);
+    if (StopRequestedAtCheckpoint(engine)) return Ended(engine, r, DiffEnd::kStopped);
   }
   r.end = DiffEnd::kCompleted;
   return r;
@@ -285,7 +285,7 @@ DiffResult Solve(Engine& engine, AppState& state, const Fields& f, DiffModeValue
     bool stored = plane ? out.phase(before, st.d) : out.add(i + 1, st.x, st.y, z());
     if (!stored || !std::isfinite(st.y) || !std::isfinite(st.p)) return Ended(engine, r, DiffEnd::kFault);
     engine.host().progress(i, n);
-    if (StopRequestedAfterEvents(engine)) return Ended(engine, r, DiffEnd::kStopped);
+    if (StopRequestedAtCheckpoint(engine)) return Ended(engine, r, DiffEnd::kStopped);
   }
   // The phase plane ends at the last value with the first-order solvers' last slope, or
   // with the derivative (z) the step produced.

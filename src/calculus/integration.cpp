@@ -113,7 +113,7 @@ IntegrationResult IntegrateSingle(Engine& engine, AppState& state, std::string_v
     S = S + F[0] + 4 * F[1] + F[2];
     x0 = x;
     j += 2;
-    if (StopRequestedAfterEvents(engine)) return Ended(engine, state, r, IntegrationEnd::kStopped);
+    if (StopRequestedAtCheckpoint(engine)) return Ended(engine, state, r, IntegrationEnd::kStopped);
   } while (j < n);
 
   const double value = h * S / 3;
@@ -200,7 +200,7 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
     j1 += 2;
     x0 = x;
     engine.host().progress(j1 / 2, static_cast<int64_t>(r1->n / 2));
-    if (StopRequestedAfterEvents(engine)) return Ended(engine, state, r, IntegrationEnd::kStopped);
+    if (StopRequestedAtCheckpoint(engine)) return Ended(engine, state, r, IntegrationEnd::kStopped);
     if (j1 >= r1->n) break;
   }
 

@@ -108,7 +108,8 @@ GridResult EvaluateGrid(Engine& engine, std::string_view formula, const GridBoxe
       }
       g.z[static_cast<size_t>(i) * (g.nx + 1) + j] = z;
     }
-    if (StopRequestedAfterEvents(engine)) {
+    engine.host().progress(i + 1, g.ny + 1);
+    if (StopRequestedAtCheckpoint(engine)) {
       out.end = GridEnd::kStopped;
       return out;
     }
@@ -159,7 +160,7 @@ std::vector<Segment> TraceLevel(const ContourGrid& g, double k, Engine* engine) 
         }
       }
     }
-    if (engine && StopRequestedAfterEvents(*engine)) break;
+    if (engine && StopRequestedAtCheckpoint(*engine)) break;
   }
   return out;
 }

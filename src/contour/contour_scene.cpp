@@ -186,7 +186,7 @@ bool DrawSurface(const ContourGrid& g, const Projection& p, const ColorScheme& c
     for (int j = g.nx - 1; j >= 0; --j) {
       const Rgb fill = CellColor(g, MeanHeight(g, i, j, i - 1, j + 1), colors);
       w.polygon({p.at(i, j), p.at(i, j + 1), p.at(i - 1, j + 1), p.at(i - 1, j)}, fill, true);
-      if (engine && StopRequestedAfterEvents(*engine)) return false;
+      if (engine && StopRequestedAtCheckpoint(*engine)) return false;
     }
   }
   return true;

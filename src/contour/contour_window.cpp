@@ -79,9 +79,9 @@ ContourWindow::ContourWindow(Engine& engine, AppState& state, std::function<QStr
 
   connect(Command1, &QPushButton::clicked, this, &ContourWindow::calc);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
-  connect(Command3, &QPushButton::clicked, this, [this] { draw(MapDrawing::kPlot); });
-  connect(Command4, &QPushButton::clicked, this, [this] { draw(MapDrawing::kCube); });
-  connect(Command5, &QPushButton::clicked, this, [this] { draw(MapDrawing::kHide); });
+  connect(Command3, &QPushButton::clicked, this, [this] { draw(Command3, MapDrawing::kPlot); });
+  connect(Command4, &QPushButton::clicked, this, [this] { draw(Command4, MapDrawing::kCube); });
+  connect(Command5, &QPushButton::clicked, this, [this] { draw(Command5, MapDrawing::kHide); });
   connect(Command6, &QPushButton::clicked, this, [this] { OpenColorWindow(this, engine_, state_); });
   connect(Check1, &QCheckBox::toggled, this, [this](bool on) { state_.ColorMode = on ? 1 : -1; });
   connect(Check2, &QCheckBox::toggled, this, [this](bool on) {
@@ -113,26 +113,41 @@ void ContourWindow::retranslate() {
 }
 
 void ContourWindow::calc() {
-  if (running_) return;
-  running_ = true;
-  Label5->setText(QString::fromUtf8(kCalculatingText));
-  // A grid that failed half-way is no grid: the drawings wait for the next Calc.
-  grid_.reset();
-  GridResult r = EvaluateGrid(engine_, formula_().toStdString(),
-                              {Text(Text1), Text(Text2), Text(Text3), Text(Text4), Text(Text5), Text(Text6)}, false);
-  running_ = false;
-  if (r.xDivisionsBox) Text3->setText(QString::fromStdString(*r.xDivisionsBox));
-  if (r.yDivisionsBox) Text6->setText(QString::fromStdString(*r.yDivisionsBox));
-  if (r.end != GridEnd::kCompleted) {
-    Label5->clear();
+  if (jobRunning()) {
+    stopJob();  // the running button reads "Stop"
     return;
   }
-  grid_ = std::move(r.grid);
-  Label5->setText(QString::fromStdString(MinMaxText(*grid_)));
+  const QString shown = Label5->text();
+  Label5->setText(QString::fromUtf8(kCalculatingText));
+  const GridBoxes boxes{Text(Text1), Text(Text2), Text(Text3), Text(Text4), Text(Text5), Text(Text6)};
+  auto result = std::make_shared<GridResult>();
+  startJob(
+      Command1,
+      [result, boxes, formula = formula_().toStdString()](ToolRun& run) {
+        *result = EvaluateGrid(run.engine, formula, boxes, false);
+      },
+      [this, result](ToolRun&) {
+        GridResult& r = *result;
+        if (r.xDivisionsBox) Text3->setText(QString::fromStdString(*r.xDivisionsBox));
+        if (r.yDivisionsBox) Text6->setText(QString::fromStdString(*r.yDivisionsBox));
+        // A grid that failed half-way is no grid: the drawings wait for the next Calc.
+        if (r.end != GridEnd::kCompleted) {
+          grid_.reset();
+          Label5->clear();
+          return;
+        }
+        grid_ = std::move(r.grid);
+        Label5->setText(QString::fromStdString(MinMaxText(*grid_)));
+      },
+      [this, shown] { Label5->setText(shown); });
 }
 
-void ContourWindow::draw(MapDrawing drawing) {
-  if (running_ || !grid_) return;
+void ContourWindow::draw(QPushButton* button, MapDrawing drawing) {
+  if (jobRunning()) {
+    stopJob();
+    return;
+  }
+  if (!grid_) return;
   DrawRequest request{drawing, state_.ColorMode == 1, state_.Colors, {state_.ViewAngleX, state_.ViewAngleY}, {}};
   if (drawing == MapDrawing::kPlot) {
     LevelsResult levels = ReadLevels(engine_, {Text(Text7), Text(Text8), Text(Text9)});
@@ -147,14 +162,13 @@ void ContourWindow::draw(MapDrawing drawing) {
   map_->Picture1->setScene(MapScene{});
   map_->show();
   map_->raise();
-
-  running_ = true;
-  engine_.StopRequested = 0;
-  MapScene scene;
-  BuildMap(*grid_, request, &engine_, scene);
-  running_ = false;
-  // The map may have been closed meanwhile; it then shows the drawing when opened again.
-  if (map_) map_->Picture1->setScene(std::move(scene));
+  auto scene = std::make_shared<MapScene>();
+  startJob(
+      button, [scene, request, grid = *grid_](ToolRun& run) { BuildMap(grid, request, &run.engine, *scene); },
+      [this, scene](ToolRun&) {
+        // The map may have been closed meanwhile; it then shows the drawing when opened again.
+        if (map_) map_->Picture1->setScene(std::move(*scene));
+      });
 }
 
 void ContourWindow::closeEvent(QCloseEvent* event) {

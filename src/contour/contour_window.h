@@ -26,7 +26,7 @@ class ContourWindow : public ToolWindow {
   ContourWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent = nullptr);
 
   void retranslate() override;
-  bool running() const { return running_; }
+  bool running() const { return jobRunning(); }
   bool hasGrid() const { return grid_.has_value(); }
   // The Contour Map window, once a drawing button has opened it.
   ContourMapWindow* mapWindow() const { return map_; }
@@ -42,11 +42,10 @@ class ContourWindow : public ToolWindow {
 
  private:
   void calc();
-  void draw(MapDrawing drawing);
+  void draw(QPushButton* button, MapDrawing drawing);
 
   std::function<QString()> formula_;
   std::optional<ContourGrid> grid_;
-  bool running_ = false;
   QPointer<ContourMapWindow> map_;
 };
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "engine/host.h"
+#include "engine/job.h"
 #include "engine/number_text.h"
 
 namespace merida {
@@ -252,8 +253,12 @@ class Engine {
   // another program added cannot be registered), and it is the base of the next merge.
   void StoreSaved(std::string_view text);
 
+  // The turns of the jobs that write the record table (not part of the state a copy takes).
+  JobQueue& recordWriters() { return recordWriters_; }
+
  private:
   friend struct Evaluator;
+  JobQueue recordWriters_;
   bool CheckName(std::string_view word);
   void CheckNameUnused(std::string_view name);
   int16_t ClassifyWord(std::string_view word) const;

@@ -265,8 +265,8 @@ void EndRunOnFault(Engine& engine) {
   engine.StopRequested = 1;
 }
 
-bool StopRequestedAfterEvents(Engine& engine) {
-  engine.host().processEvents();
+bool StopRequestedAtCheckpoint(Engine& engine) {
+  engine.host().checkpoint();
   return engine.StopRequested == 1;
 }
 

@@ -106,8 +106,8 @@ class FormulaSampler {
 // The end of a tool run after an arithmetic fault: BindToX = -1, StopRequested = 1.
 void EndRunOnFault(Engine& engine);
 
-// Lets the user interface handle pending events; true when the user asked the run to stop.
-bool StopRequestedAfterEvents(Engine& engine);
+// A long run's checkpoint: true when the run has been asked to stop.
+bool StopRequestedAtCheckpoint(Engine& engine);
 
 // A count typed in a box: numeric, rounded halves to even, and fitting 16 bits; else nullopt.
 std::optional<int16_t> ReadCountBox(std::string_view text);

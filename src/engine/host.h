@@ -22,7 +22,7 @@ class EngineHost {
 
   // A long run's checkpoint (after a point, a row, a term): a stop request sets
   // Engine::StopRequested from here.
-  virtual void processEvents() {}
+  virtual void checkpoint() {}
 
   // How far a long run has come: `done` of `total` steps.
   virtual void progress(int64_t /*done*/, int64_t /*total*/) {}

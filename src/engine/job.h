@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <stop_token>
 #include <string>
@@ -59,7 +60,7 @@ class JobHost : public EngineHost {
   std::optional<std::string> askValue(const std::string&) override { return std::nullopt; }
   void showError(int code, const std::string&) override { messages_.push_back({false, code, {}}); }
   void showFault(const std::string& description) override { messages_.push_back({true, 0, description}); }
-  void processEvents() override;
+  void checkpoint() override;
   void progress(int64_t done, int64_t total) override;
   void showBox(const std::string& box, const std::string& text) override {
     if (boxShown) boxShown(box, text);
@@ -78,6 +79,29 @@ class JobHost : public EngineHost {
   std::stop_token stop_;
   JobProgress* progress_ = nullptr;
   std::vector<Message> messages_;
+};
+
+// Jobs that write one shared thing (the record table) take turns, in the order they asked, so
+// that their writes never interleave. Used from one thread (the window thread).
+class JobQueue {
+ public:
+  // Runs `start` now when no one holds the turn, else when every earlier owner has left.
+  // True when it ran now. An owner that enters again first leaves its old place.
+  bool Enter(const void* owner, std::string name, std::function<void()> start);
+  // Gives up the turn or the place in line; the next in line starts.
+  void Leave(const void* owner);
+  // Forgets everyone without starting anyone (the program is closing).
+  void Clear() { entries_.clear(); }
+  // The name given by the owner holding the turn; empty when no one does.
+  std::string holder() const { return entries_.empty() ? std::string() : entries_.front().name; }
+
+ private:
+  struct Entry {
+    const void* owner;
+    std::string name;
+    std::function<void()> start;
+  };
+  std::deque<Entry> entries_;  // the front holds the turn
 };
 
 }  // namespace merida

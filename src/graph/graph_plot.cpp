@@ -120,7 +120,8 @@ void RunPoints(Engine& engine, AppState& state, const PlotRange& r, PlotResult& 
   if (!one(1, r.start)) return;
   for (int i = 1; i <= r.n - 1; ++i) {
     if (!one(i + 1, i * h + r.start)) return;
-    if (StopRequestedAfterEvents(engine)) {
+    engine.host().progress(i, r.n);
+    if (StopRequestedAtCheckpoint(engine)) {
       out.end = PlotEnd::kStopped;
       return;
     }

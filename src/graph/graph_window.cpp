@@ -124,12 +124,15 @@ GraphBoxes GraphWindow::boxes() const {
 
 std::string GraphWindow::formulaText() const { return formula_ ? formula_().toStdString() : std::string(); }
 
-void GraphWindow::run(const std::function<PlotResult()>& plot) {
-  if (running_) return;  // the user interface stays live during a plot; one plot at a time
-  running_ = true;
-  PlotResult result = plot();
-  running_ = false;
-  display(result);
+void GraphWindow::run(QPushButton* button, std::function<PlotResult(Engine&, AppState&)> plot) {
+  if (jobRunning()) {
+    stopJob();  // the running button reads "Stop"; any plot button ends the plot
+    return;
+  }
+  auto result = std::make_shared<PlotResult>();
+  startJob(
+      button, [result, plot = std::move(plot)](ToolRun& run) { *result = plot(run.engine, run.state); },
+      [this, result](ToolRun&) { display(*result); }, {}, JobWrites::kRecordTable);
 }
 
 void GraphWindow::display(const PlotResult& r) {
@@ -147,26 +150,33 @@ void GraphWindow::display(const PlotResult& r) {
 }
 
 void GraphWindow::go() {
-  run([this] { return PlotGo(engine_, state_, formulaText(), boxes()); });
+  run(Command1, [formula = formulaText(), boxes = boxes()](Engine& e, AppState& s) {
+    return PlotGo(e, s, formula, boxes);
+  });
 }
 
 void GraphWindow::pole() {
-  run([this] { return PlotPole(engine_, state_, formulaText(), boxes()); });
+  run(Command5, [formula = formulaText(), boxes = boxes()](Engine& e, AppState& s) {
+    return PlotPole(e, s, formula, boxes);
+  });
 }
 
 void GraphWindow::log() {
-  run([this] {
-    std::string first, second;
-    if (parameter_) {
-      first = parameter_->firstFormula().toStdString();
-      second = parameter_->secondFormula().toStdString();
-    }
-    return PlotLog(engine_, state_, formulaText(), first, second, boxes());
+  std::string first, second;
+  if (parameter_) {
+    first = parameter_->firstFormula().toStdString();
+    second = parameter_->secondFormula().toStdString();
+  }
+  run(Command3, [formula = formulaText(), first, second, boxes = boxes()](Engine& e, AppState& s) {
+    return PlotLog(e, s, formula, first, second, boxes);
   });
 }
 
 void GraphWindow::para() {
-  if (running_) return;
+  if (jobRunning()) {
+    stopJob();
+    return;
+  }
   ParameterWindow* w = parameterWindow();
   w->show();
   w->raise();
@@ -175,13 +185,12 @@ void GraphWindow::para() {
     w->startParametric(QString::fromStdString(formulaText()));
     return;
   }
-  run([this, w] {
-    return PlotPara(engine_, state_, w->firstFormula().toStdString(), w->secondFormula().toStdString(),
-                    boxes());
-  });
+  run(Command4, [first = w->firstFormula().toStdString(), second = w->secondFormula().toStdString(),
+                 boxes = boxes()](Engine& e, AppState& s) { return PlotPara(e, s, first, second, boxes); });
 }
 
 void GraphWindow::closeAll() {
+  stopJob();
   state_.GraphMode = 0;
   engine_.StopRequested = 1;
   if (parameter_) parameter_->close();

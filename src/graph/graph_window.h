@@ -30,7 +30,7 @@ class GraphWindow : public ToolWindow {
   // closed starts afresh (empty range boxes), the divisions box shows DivisionCount.
   void prepare();
   // True while a plot runs inside a button handler.
-  bool plotting() const { return running_; }
+  bool plotting() const { return jobRunning(); }
 
   ParameterWindow* parameterWindow();
   NegativeFunctionWindow* negativeFunctionWindow();
@@ -53,11 +53,10 @@ class GraphWindow : public ToolWindow {
   GraphBoxes boxes() const;
   std::string formulaText() const;
   // Runs one plot (at most one at a time) and has the chart draw afterwards.
-  void run(const std::function<PlotResult()>& plot);
+  void run(QPushButton* button, std::function<PlotResult(Engine&, AppState&)> plot);
   void display(const PlotResult& result);
 
   std::function<QString()> formula_;
-  bool running_ = false;
   QPointer<ParameterWindow> parameter_;
   QPointer<NegativeFunctionWindow> negative_;
   QPointer<StatDataWindow> data_;

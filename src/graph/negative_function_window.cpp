@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
+#include <memory>
 
 #include "engine/number_text.h"
 
@@ -132,19 +133,28 @@ void NegativeFunctionWindow::retranslate() {
 }
 
 void NegativeFunctionWindow::plot() {
-  if (running_) return;
-  running_ = true;
+  if (jobRunning()) {
+    stopJob();  // Go reads "Stop" while the grid is computed
+    return;
+  }
   GridBoxes boxes{Text1->text().toStdString(), Text2->text().toStdString(), Text3->text().toStdString(),
                   Text4->text().toStdString(), Text5->text().toStdString(), Text6->text().toStdString()};
-  GridResult r = EvaluateGrid(engine_, formula_().toStdString(), boxes);
-  if (r.xDivisionsBox) Text3->setText(QString::fromStdString(*r.xDivisionsBox));
-  if (r.yDivisionsBox) Text6->setText(QString::fromStdString(*r.yDivisionsBox));
-  if (r.end == GridEnd::kCompleted) {
-    const ContourGrid& g = r.grid;
-    std::vector<Segment> curve = TraceLevel(g, 0, &engine_);
-    Picture1->setCurve(std::move(curve), g.xMin, g.xMax, g.yMin, g.yMax);
-  }
-  running_ = false;
+  auto result = std::make_shared<GridResult>();
+  auto curve = std::make_shared<std::vector<Segment>>();
+  startJob(
+      Command1,
+      [result, curve, boxes, formula = formula_().toStdString()](ToolRun& run) {
+        *result = EvaluateGrid(run.engine, formula, boxes);
+        if (result->end == GridEnd::kCompleted) *curve = TraceLevel(result->grid, 0, &run.engine);
+      },
+      [this, result, curve](ToolRun&) {
+        const GridResult& r = *result;
+        if (r.xDivisionsBox) Text3->setText(QString::fromStdString(*r.xDivisionsBox));
+        if (r.yDivisionsBox) Text6->setText(QString::fromStdString(*r.yDivisionsBox));
+        if (r.end != GridEnd::kCompleted) return;
+        const ContourGrid& g = r.grid;
+        Picture1->setCurve(std::move(*curve), g.xMin, g.xMax, g.yMin, g.yMax);
+      });
 }
 
 }  // namespace merida

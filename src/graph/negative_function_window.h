@@ -59,7 +59,6 @@ class NegativeFunctionWindow : public ToolWindow {
 
  private:
   std::function<QString()> formula_;
-  bool running_ = false;
 };
 
 }  // namespace merida

@@ -81,6 +81,5 @@ void GuiHost::showFault(const std::string& description) {
   MakeFaultBox(RaisingWindow(window_), description)->exec();
 }
 
-void GuiHost::processEvents() { QCoreApplication::processEvents(); }
 
 }  // namespace merida

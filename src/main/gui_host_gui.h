@@ -39,7 +39,6 @@ class GuiHost : public EngineHost {
   std::optional<std::string> askValue(const std::string& prompt) override;
   void showError(int code, const std::string& message) override;
   void showFault(const std::string& description) override;
-  void processEvents() override;
 
  private:
   QPointer<QWidget> window_;

@@ -41,6 +41,27 @@ void CollectInLayoutOrder(QLayout* layout, std::vector<QWidget*>& out) {
   }
 }
 
+// Puts `bar` under the window's content: the bottom of a column, a new last row of a grid,
+// or, where a chart and a column of controls stand side by side, the bottom of that column.
+void PlaceBelowContent(QLayout* layout, QWidget* bar) {
+  if (auto* grid = qobject_cast<QGridLayout*>(layout)) {
+    grid->addWidget(bar, grid->rowCount(), 0, 1, grid->columnCount());
+    return;
+  }
+  auto* box = qobject_cast<QBoxLayout*>(layout);
+  if (!box) return;
+  if (box->direction() == QBoxLayout::LeftToRight || box->direction() == QBoxLayout::RightToLeft) {
+    for (int i = box->count() - 1; i >= 0; --i) {
+      auto* column = qobject_cast<QVBoxLayout*>(box->itemAt(i)->layout());
+      if (column) {
+        column->addWidget(bar);
+        return;
+      }
+    }
+  }
+  box->addWidget(bar);
+}
+
 }  // namespace
 
 ToolRun::ToolRun(const Engine& shared, const AppState& sharedState) : before(sharedState), state(sharedState) {
@@ -52,12 +73,14 @@ ToolWindow::ToolWindow(Engine& engine, AppState& state, QWidget* parent)
   setAttribute(Qt::WA_DeleteOnClose, false);
 }
 
-ToolWindow::~ToolWindow() { job_.reset(); }
+ToolWindow::~ToolWindow() {
+  job_.reset();
+  if (queued_) engine_.recordWriters().Leave(this);
+}
 
 void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply,
-                          std::function<void()> stopped) {
+                          std::function<void()> stopped, JobWrites writes) {
   stopJob();
-  run_ = std::make_shared<ToolRun>(engine_, state_);
   apply_ = std::move(apply);
   stopped_ = std::move(stopped);
   goButton_ = go;
@@ -69,13 +92,29 @@ void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, s
     progressBar_->setObjectName(QStringLiteral("ProgressBar"));
     progressBar_->setTextVisible(true);
     progressBar_->hide();
-    if (auto* box = qobject_cast<QBoxLayout*>(layout())) box->addWidget(progressBar_);
+    PlaceBelowContent(layout(), progressBar_);
     progressTimer_ = new QTimer(this);
     progressTimer_->setInterval(100);
     connect(progressTimer_, &QTimer::timeout, this, &ToolWindow::showProgress);
   }
   startedMs_ = QDateTime::currentMSecsSinceEpoch();
   progressTimer_->start();
+  if (writes == JobWrites::kOwnResults) {
+    launchJob(std::move(work));
+    return;
+  }
+  queued_ = waiting_ = true;
+  engine_.recordWriters().Enter(this, windowTitle().toStdString(), [this, work = std::move(work)] {
+    waiting_ = false;
+    startedMs_ = QDateTime::currentMSecsSinceEpoch();
+    launchJob(work);
+  });
+  if (waiting_) showProgress();
+}
+
+void ToolWindow::launchJob(std::function<void(ToolRun&)> work) {
+  // The copy is taken now, so a job that waited starts from what the one before it left.
+  run_ = std::make_shared<ToolRun>(engine_, state_);
   const int generation = ++generation_;
   run_->host.boxShown = [this](const std::string& box, const std::string& text) {
     postWhileRunning([this, name = QString::fromStdString(box), value = QString::fromStdString(text)] {
@@ -94,20 +133,25 @@ void ToolWindow::startJob(QPushButton* go, std::function<void(ToolRun&)> work, s
 }
 
 void ToolWindow::showProgress() {
+  if (waiting_) {
+    // An empty range would hide the text; the bar stays empty until the turn comes.
+    progressBar_->setRange(0, 1);
+    progressBar_->setValue(0);
+    progressBar_->setFormat(tr("Waiting for %1 to end").arg(QString::fromStdString(engine_.recordWriters().holder())));
+    progressBar_->show();
+    return;
+  }
   if (!job_) return;
   const int64_t elapsed = QDateTime::currentMSecsSinceEpoch() - startedMs_;
   if (elapsed < 200) return;
   const int64_t total = job_->progress().total.load(std::memory_order_relaxed);
   const int64_t done = job_->progress().done.load(std::memory_order_relaxed);
+  const QString seconds = QString::number(elapsed / 1000.0, 'f', 1);
   // The bar counts in thousandths, so that counts past 2^31 fit its int range.
-  progressBar_->setRange(0, total > 0 ? 1000 : 0);
+  progressBar_->setRange(0, 1000);
   progressBar_->setValue(total > 0 ? static_cast<int>(done * 1000 / total) : 0);
-  progressBar_->setFormat(total > 0 ? tr("%1 of %2 (%3%)  %4 s")
-                                          .arg(done)
-                                          .arg(total)
-                                          .arg(done * 100 / total)
-                                          .arg(QString::number(elapsed / 1000.0, 'f', 1))
-                                    : tr("%1 s").arg(QString::number(elapsed / 1000.0, 'f', 1)));
+  progressBar_->setFormat(total > 0 ? tr("%1 of %2 (%3%)  %4 s").arg(done).arg(total).arg(done * 100 / total).arg(seconds)
+                                    : tr("%1 s").arg(seconds));
   progressBar_->show();
 }
 
@@ -120,12 +164,11 @@ void ToolWindow::postWhileRunning(std::function<void()> show) {
       Qt::QueuedConnection);
 }
 
-void ToolWindow::stopJob() {
-  if (!job_) return;
+void ToolWindow::endJob() {
   ++generation_;
   job_.reset();  // asks the job to stop and waits for its next checkpoint
   run_.reset();
-  if (stopped_) std::exchange(stopped_, {})();
+  waiting_ = false;
   if (goButton_) goButton_->setText(goCaption_);
   goButton_ = nullptr;
   if (progressTimer_) progressTimer_->stop();
@@ -133,12 +176,26 @@ void ToolWindow::stopJob() {
   unsetCursor();
 }
 
+void ToolWindow::leaveTurn() {
+  if (!queued_) return;
+  queued_ = false;
+  engine_.recordWriters().Leave(this);
+}
+
+void ToolWindow::stopJob() {
+  if (!jobRunning()) return;
+  endJob();
+  apply_ = {};
+  if (stopped_) std::exchange(stopped_, {})();
+  leaveTurn();
+}
+
 void ToolWindow::finishJob(int generation) {
   if (generation != generation_ || !job_) return;
   std::shared_ptr<ToolRun> run = run_;
   std::function<void(ToolRun&)> apply = std::move(apply_);
   stopped_ = {};
-  stopJob();
+  endJob();
   // What the job's engine showed is shown now, by the shared engine, in the same order.
   for (const JobHost::Message& m : run->host.messages()) {
     if (m.fault) engine_.host().showFault(m.description);
@@ -147,6 +204,8 @@ void ToolWindow::finishJob(int generation) {
   ApplyChanges(state_, run->before, run->state);
   engine_.TakeRandomStateFrom(run->engine);
   if (apply) apply(*run);
+  // The next writer in line starts from the table this one left.
+  leaveTurn();
 }
 
 void ToolWindow::printWindow() {

@@ -38,8 +38,8 @@ class ToolWindow : public QWidget {
   ToolWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
   ~ToolWindow() override;
 
-  // True while the window's computation runs as a job.
-  bool jobRunning() const { return job_ != nullptr; }
+  // True while the window's computation runs as a job or waits for its turn to.
+  bool jobRunning() const { return job_ != nullptr || waiting_; }
   // The job's progress bar (hidden while no job has run for 0.2 s).
   QProgressBar* progressBar() const { return progressBar_; }
 
@@ -47,14 +47,18 @@ class ToolWindow : public QWidget {
   virtual void retranslate() = 0;
 
  protected:
+  // What a job writes that other windows' jobs may write too.
+  enum class JobWrites { kOwnResults, kRecordTable };
   // Starts the window's long computation as a job: `work` runs on a worker thread over a
   // ToolRun; when it completes, the job's messages are shown, its changes to the shared values
   // made and `apply` called, all on this thread in one step. While it runs, `go` reads "Stop"
   // and the window's handler for it should call stopJob(); the busy cursor is over the window
   // and, after 0.2 s, the progress bar shows count, percent and elapsed time.
-  // `stopped` runs when stopJob() drops the job's results.
+  // `stopped` runs when stopJob() drops the job's results. A job that writes the record table
+  // waits (showing for whom) until another window's such job has ended, then starts from the
+  // table that one left.
   void startJob(QPushButton* go, std::function<void(ToolRun&)> work, std::function<void(ToolRun&)> apply,
-                std::function<void()> stopped = {});
+                std::function<void()> stopped = {}, JobWrites writes = JobWrites::kOwnResults);
   // Stops the running job at its next checkpoint and drops its results.
   void stopJob();
   // Runs `show` on this window's thread while the job that asks for it still runs (a run's
@@ -97,6 +101,9 @@ class ToolWindow : public QWidget {
   AppState& state_;
 
  private:
+  void launchJob(std::function<void(ToolRun&)> work);
+  void endJob();
+  void leaveTurn();
   void finishJob(int generation);
   void showProgress();
 
@@ -110,6 +117,8 @@ class ToolWindow : public QWidget {
   QProgressBar* progressBar_ = nullptr;
   QTimer* progressTimer_ = nullptr;
   int64_t startedMs_ = 0;
+  bool waiting_ = false;  // for the record table's turn
+  bool queued_ = false;   // in the record table's line, waiting or holding the turn
 };
 
 }  // namespace merida

@@ -4,6 +4,10 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QSignalBlocker>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <utility>
 #include <QVBoxLayout>
 
 #include "signal/spectrum3d_window.h"
@@ -69,9 +73,9 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   resize(800, 480);
 
   connect(Command1, &QPushButton::clicked, this, &FftWindow::go);
-  connect(Command3, &QPushButton::clicked, this, [this] { display(FftShow::kFourier); });
-  connect(Command4, &QPushButton::clicked, this, [this] { display(FftShow::kPower); });
-  connect(Command5, &QPushButton::clicked, this, [this] { display(FftShow::kCorrelation); });
+  connect(Command3, &QPushButton::clicked, this, [this] { display(Command3, FftShow::kFourier); });
+  connect(Command4, &QPushButton::clicked, this, [this] { display(Command4, FftShow::kPower); });
+  connect(Command5, &QPushButton::clicked, this, [this] { display(Command5, FftShow::kCorrelation); });
   connect(Command7, &QPushButton::clicked, this, [this] {
     SpectrumWindow* w = spectrumWindow();
     w->setMatrix(analysis_.continuousMatrix());
@@ -156,30 +160,74 @@ void FftWindow::drawPoints(const std::vector<ChartPoint>& points) {
 }
 
 void FftWindow::go() {
-  if (running_) return;  // events run while sampling; one action at a time
-  running_ = true;
-  setStatus(FftStatus::kCalculating);
+  if (jobRunning()) {
+    stopJob();  // the running button reads "Stop"
+    return;
+  }
   const FftBoxes boxes{Text1->text().toStdString(), Text2->text().toStdString(), Text3->text().toStdString()};
-  const FftGoResult r = analysis_.go(formula_().toStdString(), boxes, source());
-  running_ = false;
-  if (r.numBox) Text3->setText(QString::fromStdString(*r.numBox));
-  if (r.end == FftEnd::kDone) setStatus(FftStatus::kFinished);
+  auto job = std::make_shared<std::unique_ptr<FrequencyAnalysis>>();
+  auto result = std::make_shared<FftGoResult>();
+  const QString status = Label3->text();
+  setStatus(FftStatus::kCalculating);
+  startJob(
+      Command1,
+      [this, job, result, boxes, formula = formula_().toStdString(), source = source()](ToolRun& run) {
+        *job = std::make_unique<FrequencyAnalysis>(run.engine, run.state, analysis_);
+        *result = (*job)->go(formula, boxes, source);
+      },
+      [this, job, result](ToolRun&) {
+        analysis_.takeResultsFrom(**job);
+        if (result->numBox) Text3->setText(QString::fromStdString(*result->numBox));
+        if (result->end == FftEnd::kDone) setStatus(FftStatus::kFinished);
+      },
+      [this, status] { Label3->setText(status); }, JobWrites::kRecordTable);
 }
 
-void FftWindow::display(FftShow what) {
-  if (running_) return;
-  running_ = true;
-  engine_.StopRequested = 0;  // a Close of an earlier run must not end this one
-  const FftDisplayResult r = analysis_.display(what, mode(), [this](const std::vector<ChartPoint>& points) {
-    drawPoints(points);
-  });
-  running_ = false;
-  if (r.end == FftEnd::kError) return;
-  Command7->setVisible(r.show3D);
-  Command7->setEnabled(r.show3D);
-  if (r.end != FftEnd::kDone) return;
-  drawPoints(r.points);
-  setStatus(r.status);
+void FftWindow::display(QPushButton* button, FftShow what) {
+  if (jobRunning()) {
+    stopJob();
+    return;
+  }
+  auto job = std::make_shared<std::unique_ptr<FrequencyAnalysis>>();
+  auto result = std::make_shared<FftDisplayResult>();
+  // Continue shows its frames as they come; a frame still waiting to be drawn gives way to a newer one.
+  auto latest = std::make_shared<std::pair<std::mutex, std::optional<std::vector<ChartPoint>>>>();
+  auto frame = [this, latest](const std::vector<ChartPoint>& points) {
+    std::lock_guard lock(latest->first);
+    const bool posted = latest->second.has_value();
+    latest->second = points;
+    if (posted) return;
+    postWhileRunning([this, latest] {
+      std::optional<std::vector<ChartPoint>> shown;
+      {
+        std::lock_guard taking(latest->first);
+        shown.swap(latest->second);
+      }
+      if (shown) drawPoints(*shown);
+    });
+  };
+  startJob(
+      button,
+      [this, job, result, what, mode = mode(), frame](ToolRun& run) {
+        *job = std::make_unique<FrequencyAnalysis>(run.engine, run.state, analysis_);
+        *result = (*job)->display(what, mode, frame);
+      },
+      [this, job, result](ToolRun&) {
+        analysis_.takeResultsFrom(**job);
+        const FftDisplayResult& r = *result;
+        if (r.end == FftEnd::kError) return;
+        Command7->setVisible(r.show3D);
+        Command7->setEnabled(r.show3D);
+        if (r.end != FftEnd::kDone) return;
+        drawPoints(r.points);
+        setStatus(r.status);
+      },
+      [this, shown = Graph1->points(1)] {
+        // Frames of a stopped Continue may have been drawn: the chart goes back to what it showed.
+        Graph1->setPoints(1, shown);
+        Graph1->draw();
+      },
+      JobWrites::kRecordTable);
 }
 
 }  // namespace merida

@@ -28,7 +28,7 @@ class FftWindow : public ToolWindow {
   void retranslate() override;
   FftSource source() const;
   FftMode mode() const;
-  bool running() const { return running_; }
+  bool running() const { return jobRunning(); }
   StatDataWindow* statDataWindow();
   SpectrumWindow* spectrumWindow();
 
@@ -41,7 +41,7 @@ class FftWindow : public ToolWindow {
 
  private:
   void go();
-  void display(FftShow what);
+  void display(QPushButton* button, FftShow what);
   // Ticking one box of a pair clears the other; Average and Continue only exist for recorded data.
   void tickSource(QCheckBox* ticked, QCheckBox* other);
   void tickMode(QCheckBox* ticked, QCheckBox* other);
@@ -50,7 +50,6 @@ class FftWindow : public ToolWindow {
 
   std::function<QString()> formula_;
   FrequencyAnalysis analysis_;
-  bool running_ = false;
   QPointer<StatDataWindow> data_;
   QPointer<SpectrumWindow> spectrum_;
 };

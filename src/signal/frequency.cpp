@@ -48,6 +48,24 @@ FrequencyAnalysis::FrequencyAnalysis(Engine& engine, AppState& state)
       sumRe_(Spectrum::kMaxPoints),
       sumIm_(Spectrum::kMaxPoints) {}
 
+FrequencyAnalysis::FrequencyAnalysis(Engine& engine, AppState& state, const FrequencyAnalysis& from)
+    : FrequencyAnalysis(engine, state) {
+  copyFrames(from);
+}
+
+void FrequencyAnalysis::copyFrames(const FrequencyAnalysis& from) {
+  samples_ = from.samples_;
+  source_ = from.source_;
+  computed_ = from.computed_;
+  n_ = from.n_;
+  t_ = from.t_;
+  total_ = from.total_;
+  partToggle_ = from.partToggle_;
+  rows3d_ = from.rows3d_;
+  columns3d_ = from.columns3d_;
+  index3d_ = from.index3d_;
+}
+
 FftGoResult FrequencyAnalysis::go(std::string_view formula, const FftBoxes& boxes, FftSource source) {
   FftGoResult r;
   computed_ = false;
@@ -99,7 +117,8 @@ FftGoResult FrequencyAnalysis::go(std::string_view formula, const FftBoxes& boxe
       if (p == PointStatus::kError) return FftEnd::kError;
       if (p == PointStatus::kFault) return FftEnd::kFault;
       samples_[static_cast<size_t>(i)] = {y, 0};
-      if (StopRequestedAfterEvents(engine_)) return FftEnd::kStopped;
+      engine_.host().progress(i, n_ + 1);
+      if (StopRequestedAtCheckpoint(engine_)) return FftEnd::kStopped;
       return std::nullopt;
     };
     for (int i = 0; i <= n_ - 1; ++i) {
@@ -216,7 +235,8 @@ FftDisplayResult FrequencyAnalysis::display(FftShow show, FftMode mode,
       }
       if (mode == FftMode::kContinue) {
         if (frame) frame(r.points);
-        if (StopRequestedAfterEvents(engine_)) {
+        engine_.host().progress(m + 1, total_ / n);
+        if (StopRequestedAtCheckpoint(engine_)) {
           r.end = FftEnd::kStopped;
           return r;
         }

@@ -60,6 +60,10 @@ class FrequencyAnalysis {
   static constexpr int kBufferSize = 5001;
 
   FrequencyAnalysis(Engine& engine, AppState& state);
+  // A copy of `from`'s frames that computes on `engine` and `state` (a job's own).
+  FrequencyAnalysis(Engine& engine, AppState& state, const FrequencyAnalysis& from);
+  // Takes the frames a job's copy computed.
+  void takeResultsFrom(const FrequencyAnalysis& job) { copyFrames(job); }
 
   // Go: samples the formula (source 0) or copies the recorded data (sources 1 and 2).
   FftGoResult go(std::string_view formula, const FftBoxes& boxes, FftSource source);
@@ -80,6 +84,7 @@ class FrequencyAnalysis {
 
  private:
   void showPoint(int k, double label, float value, std::vector<ChartPoint>& points);
+  void copyFrames(const FrequencyAnalysis& from);
 
   Engine& engine_;
   AppState& state_;

@@ -218,7 +218,7 @@ void LoadWindow::load() {
   startJob(
       Command1,
       [result, path](ToolRun& run) { *result = ReadDataFile(run.state.Records, path, run.host.stopToken()); },
-      [this, result](ToolRun&) { showLoad(*result); });
+      [this, result](ToolRun&) { showLoad(*result); }, {}, JobWrites::kRecordTable);
 }
 
 void LoadWindow::showLoad(const LoadResult& r) {

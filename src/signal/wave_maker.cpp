@@ -71,7 +71,7 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
   auto stopped = [&](PointStatus p) -> std::optional<WaveResult> {
     if (p == PointStatus::kError) return Failed(engine, WaveEnd::kError);
     if (p == PointStatus::kFault) return Failed(engine, WaveEnd::kFault);
-    if (StopRequestedAfterEvents(engine)) return Failed(engine, WaveEnd::kStopped);
+    if (StopRequestedAtCheckpoint(engine)) return Failed(engine, WaveEnd::kStopped);
     return std::nullopt;
   };
   if (auto r = stopped(sample(1, t0))) return *r;

@@ -265,7 +265,7 @@ TEST_F(PolynomialTest, SnappingToIntegers) {
 
 TEST_F(PolynomialTest, AStopDuringExtractionChangesNothing) {
   ASSERT_EQ(tools.arrange("x^2-1").end, PolyEnd::kDone);
-  host.stopAt = host.eventsProcessed + 2;
+  host.stopAt = host.checkpoints + 2;
   PolyResult r = tools.arrange("x^3+x^2+x+1");
   EXPECT_EQ(r.end, PolyEnd::kStopped);
   EXPECT_FALSE(r.secondFunction);
@@ -278,11 +278,11 @@ TEST_F(PolynomialTest, BairstowIsBoundedAndStoppable) {
   EXPECT_EQ(r.end, PolyEnd::kNoConvergence);
   EXPECT_FALSE(r.lines);
   EXPECT_FALSE(r.secondFunction);
-  EXPECT_GE(host.eventsProcessed, PolynomialTools::kStarts * PolynomialTools::kIterationsPerStart);
+  EXPECT_GE(host.checkpoints, PolynomialTools::kStarts * PolynomialTools::kIterationsPerStart);
   // Closing the window during the iteration ends it.
-  host.stopAt = host.eventsProcessed + 50;
+  host.stopAt = host.checkpoints + 50;
   EXPECT_EQ(seek("x^3-1", false, -1).end, PolyEnd::kStopped);
-  EXPECT_EQ(host.eventsProcessed, host.stopAt);
+  EXPECT_EQ(host.checkpoints, host.stopAt);
 }
 
 TEST_F(PolynomialTest, OverflowingCoefficientsEndAsAFault) {

@@ -66,7 +66,7 @@ TEST_P(ExactPointsTest, Chart) {
   EXPECT_EQ(Pairs(r.points), c.points);
   EXPECT_TRUE(host.errors.empty());
   // Events run after every point (and inside a sum's own loop).
-  EXPECT_GE(host.eventsProcessed, c.mode == kDiffDerivative ? static_cast<int>(c.points.size())
+  EXPECT_GE(host.checkpoints, c.mode == kDiffDerivative ? static_cast<int>(c.points.size())
                                                             : static_cast<int>(c.points.size()) - 1);
 }
 
@@ -235,7 +235,7 @@ TEST_F(DifferentialTest, SimultInDiffModeDoesNothing) {
   EXPECT_FALSE(r.started);
   EXPECT_EQ(state.DiffMode, kDiffDerivative);
   EXPECT_EQ(state.Records.count, 3);
-  EXPECT_EQ(host.eventsProcessed, 0);
+  EXPECT_EQ(host.checkpoints, 0);
 }
 
 // Ends before any point: nothing is computed, recorded or shown.
@@ -261,7 +261,7 @@ TEST_P(NoComputationTest, EndsBeforeTheFirstPoint) {
   EXPECT_FALSE(r.started);
   EXPECT_TRUE(r.points.empty());
   EXPECT_EQ(host.errors, c.error ? std::vector<int>{*c.error} : std::vector<int>{});
-  EXPECT_EQ(host.eventsProcessed, 0);
+  EXPECT_EQ(host.checkpoints, 0);
   EXPECT_EQ(state.Records.count, 2);
 }
 
@@ -346,12 +346,12 @@ TEST_F(DifferentialTest, OverflowEndsQuietlyAsAFault) {
 TEST_F(DifferentialTest, CloseStopsBetweenSteps) {
   for (int16_t mode : {1, 2, 3}) {
     state.DiffMode = mode;
-    host.eventsProcessed = 0;
+    host.checkpoints = 0;
     host.stopAt = 3;
     DiffResult r =
         RunGrade(engine, state, mode == 1 ? "x" : "x+y", Boxes("y", "0.001", "0", "5", "0"), mode == 1 ? 1 : 2, false);
     EXPECT_EQ(r.end, DiffEnd::kStopped) << mode;
-    EXPECT_EQ(host.eventsProcessed, 3) << mode;
+    EXPECT_EQ(host.checkpoints, 3) << mode;
     EXPECT_EQ(r.points.size(), mode == 1 ? 3u : 4u) << mode;
   }
 }

@@ -93,13 +93,13 @@ TEST_F(IntegrationTest, CloseStopsBetweenPanelsWithoutAnAnswer) {
   IntegrationResult r = IntegrateSingle(engine, state, "x", {"0", "1", "100"});
   EXPECT_EQ(r.end, IntegrationEnd::kStopped);
   EXPECT_FALSE(r.value);
-  EXPECT_EQ(host.eventsProcessed, 3) << "events run after every panel";
+  EXPECT_EQ(host.checkpoints, 3) << "events run after every panel";
 
   host.stopAt = 2;
-  host.eventsProcessed = 0;
+  host.checkpoints = 0;
   r = IntegrateDouble(engine, state, "x*y", {"0", "1", "8"}, {"0", "1", "8"});
   EXPECT_EQ(r.end, IntegrationEnd::kStopped);
-  EXPECT_EQ(host.eventsProcessed, 2) << "events run after every row of blocks";
+  EXPECT_EQ(host.checkpoints, 2) << "events run after every row of blocks";
 }
 
 struct DoubleCase {

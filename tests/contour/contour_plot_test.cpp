@@ -142,7 +142,7 @@ TEST_F(ContourPlotTest, FourCirclesWithGapsWhereTheyMeetGridVertices) {
   const ContourGrid g = grid("x^2+y^2", {"-2", "2", "20", "-2", "2", "20"});
   std::vector<Segment> all;
   ASSERT_TRUE(ContourLines(g, {1, 4, 1}, &engine, all));
-  EXPECT_EQ(host.eventsProcessed, 21 + 4 * 20);  // each grid row, then each row of cells per level
+  EXPECT_EQ(host.checkpoints, 21 + 4 * 20);  // each grid row, then each row of cells per level
 
   // Drawing order: level by level, each segment on its own circle.
   std::vector<std::vector<Segment>> circles(5);
@@ -184,11 +184,11 @@ TEST_F(ContourPlotTest, FourCirclesWithGapsWhereTheyMeetGridVertices) {
 
 TEST_F(ContourPlotTest, StopEndsTheLinesAfterTheRow) {
   const ContourGrid g = grid("x^2+y^2", {"-2", "2", "20", "-2", "2", "20"});
-  host.eventsProcessed = 0;
+  host.checkpoints = 0;
   host.stopAt = 25;  // the fifth row of the second level
   std::vector<Segment> out;
   EXPECT_FALSE(ContourLines(g, {1, 4, 1}, &engine, out));
-  EXPECT_EQ(host.eventsProcessed, 25);
+  EXPECT_EQ(host.checkpoints, 25);
   for (const Segment& s : out) EXPECT_LT(s.x1 * s.x1 + s.y1 * s.y1, 2.5);
 }
 

@@ -211,7 +211,7 @@ TEST_F(ContourSceneTest, TheViewHoldsTheWholeSurfaceAtEveryAngle) {
 
 TEST_F(ContourSceneTest, StopEndsTheSurfaceAfterTheCell) {
   const ContourGrid g = grid("x*y", {"-1", "1", "10", "-1", "1", "10"});
-  host.eventsProcessed = 0;
+  host.checkpoints = 0;
   host.stopAt = 7;
   MapScene s;
   EXPECT_FALSE(BuildMap(g, Request(MapDrawing::kHide), &engine, s));

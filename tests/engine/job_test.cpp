@@ -99,5 +99,35 @@ TEST(Job, OnlyWhatARunChangedReachesTheSharedState) {
   EXPECT_EQ(shared.Records.values[1][1], 2.0f);
 }
 
+// Writers of one shared thing start one at a time, in the order they asked; leaving the line
+// before the turn comes starts nothing.
+TEST(JobQueue, StartsOwnersInTurnAndSkipsThoseWhoLeft) {
+  JobQueue queue;
+  std::string started;
+  auto enter = [&](char owner) {
+    return queue.Enter(reinterpret_cast<const void*>(static_cast<uintptr_t>(owner)), std::string(1, owner),
+                       [&started, owner] { started += owner; });
+  };
+  auto leave = [&](char owner) { queue.Leave(reinterpret_cast<const void*>(static_cast<uintptr_t>(owner))); };
+  EXPECT_TRUE(enter('a'));
+  EXPECT_FALSE(enter('b'));
+  EXPECT_FALSE(enter('c'));
+  EXPECT_EQ(queue.holder(), "a");
+  leave('b');  // gives up its place: never starts
+  EXPECT_EQ(started, "a");
+  leave('a');
+  EXPECT_EQ(started, "ac");
+  EXPECT_EQ(queue.holder(), "c");
+  EXPECT_FALSE(enter('a'));
+  EXPECT_FALSE(enter('c')) << "entering again goes to the back";
+  EXPECT_EQ(started, "aca");
+  leave('a');
+  EXPECT_EQ(started, "acac");
+  queue.Clear();
+  leave('c');
+  EXPECT_EQ(started, "acac");
+  EXPECT_EQ(queue.holder(), "");
+}
+
 }  // namespace
 }  // namespace merida

@@ -401,7 +401,7 @@ class DeletingHost : public test::RecordingHost {
  public:
   Engine* engine = nullptr;
   bool deleted = true, registered = true;
-  void processEvents() override {
+  void checkpoint() override {
     if (engine) {
       deleted = engine->DeleteFunction(1);
       registered = engine->RegisterFormula("z(x)=x");
@@ -512,7 +512,7 @@ TEST(UserFunctions, AStopEndsSumsNestedThroughCalls) {
     host.stopAt = r.stopAfter;
     EXPECT_FALSE(Calc(e, r.formula)) << r.formula;
     // Each level ends at its next poll once the stop is set; nothing starts afresh.
-    EXPECT_LT(host.eventsProcessed, r.stopAfter + 100) << r.formula;
+    EXPECT_LT(host.checkpoints, r.stopAfter + 100) << r.formula;
     EXPECT_FALSE(e.busy());
   }
 }

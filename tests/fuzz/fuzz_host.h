@@ -23,7 +23,7 @@ class BoundedHost : public EngineHost {
   }
   void showError(int, const std::string&) override {}
   void showFault(const std::string&) override {}
-  void processEvents() override {
+  void checkpoint() override {
     if (++events > 20000 && engine) engine->StopRequested = 1;
   }
 };

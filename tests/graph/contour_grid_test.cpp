@@ -28,7 +28,7 @@ TEST_F(ContourGridTest, GridHoldsTheFormulaAtEveryNode) {
   }
   EXPECT_NEAR(g.zMin, -10, 1e-12);
   EXPECT_NEAR(g.zMax, 21, 1e-12);
-  EXPECT_EQ(host.eventsProcessed, 5);  // once per row
+  EXPECT_EQ(host.checkpoints, 5);  // once per row
   EXPECT_TRUE(host.errors.empty());
 }
 
@@ -95,7 +95,7 @@ TEST_F(ContourGridTest, StopRequestEndsAfterTheRow) {
   host.stopAt = 3;
   GridResult r = EvaluateGrid(engine, "x+y", GridBoxes{"0", "1", "10", "0", "1", "10"});
   EXPECT_EQ(r.end, GridEnd::kStopped);
-  EXPECT_EQ(host.eventsProcessed, 3);
+  EXPECT_EQ(host.checkpoints, 3);
 }
 
 // A grid of one cell spanning (0,0)-(1,1) with the given corner values.

@@ -43,11 +43,11 @@ TEST_F(GraphPlotTest, NormalPlotSamplesEveryPointOfTheRange) {
   };
   for (const NormalCase& c : cases) {
     SCOPED_TRACE(c.formula);
-    host.eventsProcessed = 0;
+    host.checkpoints = 0;
     PlotResult r = go(c.formula, c.start, c.end, c.divisions);
     ASSERT_EQ(r.end, PlotEnd::kCompleted);
     EXPECT_TRUE(host.errors.empty());
-    EXPECT_EQ(host.eventsProcessed, c.n - 1);  // events after points 2..n only
+    EXPECT_EQ(host.checkpoints, c.n - 1);  // checkpoints after points 2..n only
     EXPECT_EQ(r.chartType, ChartType::kLine);
     EXPECT_FALSE(r.equalScale);
     EXPECT_EQ(r.pointCount, c.n + 1);
@@ -196,7 +196,7 @@ TEST_F(GraphPlotTest, ParametricPlotTakesXAndYFromTheTwoFormulas) {
     EXPECT_NEAR(r.points[i].y, std::sin(2 * i * h), 1e-12);
   }
   EXPECT_EQ(state.GraphMode, 3);
-  EXPECT_EQ(host.eventsProcessed, 39);
+  EXPECT_EQ(host.checkpoints, 39);
 }
 
 TEST_F(GraphPlotTest, ParametricChecksBothFormulasAndReadsTheRangeFirst) {
@@ -256,7 +256,7 @@ TEST_F(GraphPlotTest, StopRequestEndsThePlotAfterTheCurrentPoint) {
   EXPECT_EQ(r.end, PlotEnd::kStopped);
   EXPECT_EQ(r.points.size(), 6u);  // point 1, then points 2..6 each followed by events
   EXPECT_EQ(state.Records.count, 6);
-  EXPECT_EQ(host.eventsProcessed, 5);
+  EXPECT_EQ(host.checkpoints, 5);
 }
 
 TEST_F(GraphPlotTest, PointsAreRecordedWithTheTableHeader) {

@@ -58,7 +58,7 @@ TEST_F(ChartTest, PolarAndParametricCirclesAreRound) {
   ExpectRoundAtEverySize(window);
   plot(window->Command4, "cos(t)", "0", "2*PI", "60");
   window->parameterWindow()->Text2->setText("sin(t)");
-  QTest::mouseClick(window->Command4, Qt::LeftButton);
+  test::ClickAndWait(window->Command4);
   ASSERT_EQ(window->Graph1->drawnSeries(1).value(0)->count(), 61);
   ExpectRoundAtEverySize(window);
 }
@@ -110,7 +110,7 @@ TEST_F(ChartTest, LogKeepsTheHorizontalAxisOfGo) {
     SCOPED_TRACE(f);
     plot(window->Command1, f, start, end, "48");
     const double min = xAxis()->min(), max = xAxis()->max();
-    QTest::mouseClick(window->Command3, Qt::LeftButton);
+    test::ClickAndWait(window->Command3);
     Settle();
     ASSERT_EQ(window->Graph1->graphType(), ChartWidget::Type::kLogLin);
     EXPECT_EQ(xAxis()->min(), min);
@@ -137,7 +137,7 @@ TEST_F(ChartTest, EveryDecadeOfALogAxisHasItsLabel) {
                         Case{"x^2", "1", "30", {"1", "10", "100", "1000"}},
                         Case{"exp(x)", "-3", "3", {"0.01", "0.1", "1", "10", "100"}}}) {
     plot(window->Command1, c.formula, c.start, c.end, "30");
-    QTest::mouseClick(window->Command3, Qt::LeftButton);
+    test::ClickAndWait(window->Command3);
     Settle();
     const QStringList shown = VisibleLabels(window->Graph1);
     for (const QString& decade : c.decades) {

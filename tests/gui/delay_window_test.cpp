@@ -1,6 +1,9 @@
 // The Delay Calculate window through its controls: grid, Init Value, Step, Go, chart, record table.
 #include "calculus/delay_window.h"
+#include "graph/graph_window.h"
 #include "gui_fixture.h"
+
+#include <QProgressBar>
 
 namespace merida::test {
 namespace {
@@ -40,6 +43,46 @@ TEST_F(DelayWindowTest, InitValueBoxFillsTheColumnAndGoPlotsAndRecords) {
   EXPECT_EQ(state().Records.count, 8);
   EXPECT_EQ(state().Records.values[8][1], 21.0f);
   EXPECT_EQ(state().Records.kind, ComputedData);
+}
+
+// Two runs that write the record table take turns: Go in Delay while a Graph plot runs waits,
+// saying for whom, and starts from the table the plot left; Stop while waiting leaves the line.
+TEST_F(DelayWindowTest, WaitsForARunningPlotThatWritesTheRecordTable) {
+  start();
+  main().setFormulaText("sgm(k*x,1,100000,k)");  // 600 million terms unless stopped
+  press(2);
+  auto* graph = qobject_cast<GraphWindow*>(window(QStringLiteral("GraphWindow")));
+  ASSERT_NE(graph, nullptr);
+  graph->Text1->setText("0");
+  graph->Text2->setText("1");
+  graph->Text3->setText("5999");
+  QTest::mouseClick(graph->Command1, Qt::LeftButton);
+  ASSERT_TRUE(graph->plotting());
+
+  DelayWindow* w = open("timestep(1)+1");
+  ASSERT_NE(w, nullptr);
+  w->Grid1->setCellText(1, 1, "1");
+  w->Text1->setText("3");
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  EXPECT_TRUE(w->running());
+  EXPECT_EQ(w->Command1->text(), "Stop");
+  ASSERT_NE(w->progressBar(), nullptr);
+  EXPECT_TRUE(w->progressBar()->isVisible());
+  EXPECT_EQ(w->progressBar()->text(), "Waiting for Graph to end");
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  EXPECT_FALSE(w->running());
+  EXPECT_TRUE(graph->plotting()) << "a waiting run's Stop ends only itself";
+
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  QTest::qWait(50);
+  EXPECT_TRUE(w->running());
+  EXPECT_EQ(state().Records.count, 0) << "nothing written while both wait or run";
+  QTest::mouseClick(graph->Command1, Qt::LeftButton);  // Stop
+  EXPECT_FALSE(graph->plotting());
+  waitForRun(w);
+  EXPECT_EQ(chartValues(w), (std::vector<double>{1, 2, 3, 4}));
+  EXPECT_EQ(state().Records.count, 4);
+  EXPECT_EQ(state().Records.values[4][1], 4.0f);
 }
 
 TEST_F(DelayWindowTest, ErrorsAndTheCapShowInTheWindows) {

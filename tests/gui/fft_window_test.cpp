@@ -1,5 +1,4 @@
 // The FFT window through its controls: the numerics are the logic's tests' business.
-#include <QTimer>
 #include <algorithm>
 #include <cmath>
 
@@ -169,9 +168,10 @@ TEST_F(FftWindowTest, CloseDuringAContinueDisplayStopsIt) {
   w->Text3->setText("8");
   click(w, "Command1");
   ASSERT_EQ(w->Label3->text(), "Calculation Finished");
-  // 625 frames; Close comes at the first chance the run gives events.
-  QTimer::singleShot(0, w->Command2, &QPushButton::click);
-  click(w, "Command4");
+  // 625 frames; Close comes before the window sees the run end.
+  QTest::mouseClick(w->Command4, Qt::LeftButton);
+  EXPECT_EQ(w->Command4->text(), "Stop");
+  QTest::mouseClick(w->Command2, Qt::LeftButton);
   EXPECT_FALSE(w->isVisible());
   EXPECT_FALSE(w->running());
   EXPECT_FALSE(w->Command7->isVisible());

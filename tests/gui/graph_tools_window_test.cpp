@@ -36,7 +36,7 @@ TEST_F(ToolWindowsTest, NegativeFunctionDrawsTheUnitCircle) {
                            {w.Text5, "2"}, {w.Text6, "500"}}) {
     box->setText(text);
   }
-  QTest::mouseClick(w.Command1, Qt::LeftButton);
+  test::ClickAndWait(w.Command1);
   EXPECT_EQ(w.Text6->text(), "100");
   EXPECT_EQ(w.Text3->text(), "40");
   const std::vector<Segment>& s = w.Picture1->segments();
@@ -47,9 +47,9 @@ TEST_F(ToolWindowsTest, NegativeFunctionDrawsTheUnitCircle) {
 TEST_F(ToolWindowsTest, NegativeFunctionReportsVariableErrors) {
   QString formula = "x+t";
   NegativeFunctionWindow w(engine, state, [&] { return formula; });
-  QTest::mouseClick(w.Command1, Qt::LeftButton);
+  test::ClickAndWait(w.Command1);
   formula = "x*y*z";
-  QTest::mouseClick(w.Command1, Qt::LeftButton);
+  test::ClickAndWait(w.Command1);
   EXPECT_EQ(host.errors, (std::vector<int>{32, 31}));
   EXPECT_TRUE(w.Picture1->segments().empty());
 }
@@ -66,7 +66,7 @@ TEST_F(ToolWindowsTest, ColorWindowStartsOnGreenAndSetsOneFlag) {
   EXPECT_EQ(state.Colors.Red, -1);
   EXPECT_EQ(state.Colors.SkyBlue, -1);
   EXPECT_EQ(state.Colors.Yellow, -1);
-  QTest::mouseClick(w.Command1, Qt::LeftButton);
+  test::ClickAndWait(w.Command1);
   EXPECT_FALSE(w.isVisible());
   ColorWindow again(engine, state);
   again.show();
@@ -78,26 +78,30 @@ TEST_F(ToolWindowsTest, StatDataWindowEntryMemoryAndFile) {
   EXPECT_EQ(w.Grid1->columnCount(), 2);
   w.Text1->setText("5");
   QTest::keyClick(w.Text1, Qt::Key_Return);
+  test::WaitForJobs();
   EXPECT_EQ(w.Text1->text(), "3");
   EXPECT_EQ(w.Grid1->columnCount(), 4);
   w.Text1->setText("2");
   QTest::keyClick(w.Text1, Qt::Key_Return);
+  test::WaitForJobs();
   w.Text3->setText("3");
   QTest::keyClick(w.Text3, Qt::Key_Return);
+  test::WaitForJobs();
   EXPECT_EQ(w.Grid1->rowCount(), 4);
   for (const char* v : {"1", "2", "3", "4"}) {
     w.Text2->setText(v);
     QTest::keyClick(w.Text2, Qt::Key_Return);
+    test::WaitForJobs();
     EXPECT_EQ(w.Text2->text(), "");
   }
   EXPECT_EQ(w.Grid1->item(1, 2)->text(), "4");
   EXPECT_EQ(w.Grid1->currentRow(), 2);
   EXPECT_EQ(w.Grid1->currentColumn(), 2);
-  QTest::mouseClick(w.Command1, Qt::LeftButton);
+  test::ClickAndWait(w.Command1);
   EXPECT_EQ(state.Records.kind, OrbitaData);
   EXPECT_EQ(state.Records.count, 3);
   EXPECT_EQ(state.Records.values[1][1], 4.0f);
-  QTest::mouseClick(w.Command2, Qt::LeftButton);
+  test::ClickAndWait(w.Command2);
   EXPECT_EQ(test::FileText(dir_ / "ORBITA.ORB"), "ORBITA\r\n2\r\n3\r\n1\r\n2\r\n3\r\n4\r\n\r\n\r\n");
 }
 

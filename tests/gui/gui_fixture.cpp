@@ -94,7 +94,7 @@ void GuiTest::click(QWidget* parent, const char* name) {
   auto* button = child<QPushButton>(parent, name);
   if (!button) return;
   ASSERT_TRUE(button->isEnabled()) << name << " is disabled";
-  QTest::mouseClick(button, Qt::LeftButton);
+  ClickAndWait(button);
 }
 
 }  // namespace merida::test

@@ -17,6 +17,7 @@
 
 #include "app/application_gui.h"
 #include "main/function_list_window.h"
+#include "jobs.h"
 #include "test_support.h"
 
 // Readable failure messages for Qt texts.

@@ -7,14 +7,15 @@
 
 #include "graph/graph_tools_gui.h"
 #include "graph/graph_window.h"
+#include "jobs.h"
 #include "test_support.h"
 
 namespace merida::test {
 
 class GuiTestHost : public RecordingHost {
  public:
-  void processEvents() override {
-    RecordingHost::processEvents();
+  void checkpoint() override {
+    RecordingHost::checkpoint();
     QCoreApplication::processEvents();
   }
 };
@@ -34,6 +35,7 @@ class GraphWindowFixture : public ::testing::Test {
     window->Text2->setText(b);
     window->Text3->setText(n);
     QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window->plotting(); }, 10000));
     Settle();
   }
   static void Settle() {

@@ -16,6 +16,7 @@ QStringList Lines(const QListWidget* list) {
 void ClickOn(QAbstractButton* b) {
   QPoint at = qobject_cast<QPushButton*>(b) ? b->rect().center() : QPoint(8, b->height() / 2);
   QTest::mouseClick(b, Qt::LeftButton, {}, at);
+  test::WaitForJobs();
 }
 
 // A press, then the double click on the same row, as a mouse gives them.
@@ -175,6 +176,7 @@ TEST_F(RootWindowTest, InterListsRoundedPointsWhateverIntegerSays) {
   // Enter in the second-function box runs Inter.
   w->List1->clear();
   QTest::keyClick(w->Text5, Qt::Key_Return);
+  test::WaitForJobs();
   EXPECT_EQ(Lines(w->List1), expected);
 }
 
@@ -219,8 +221,10 @@ TEST_F(RootWindowTest, CloseDuringAScanStopsItWithoutAListing) {
   range("-2", "2", "4");
   const QStringList before = go("x^2-1");
   range("0", "1000", "5999");
-  QTimer::singleShot(0, w.get(), [this] { QTest::mouseClick(w->Command2, Qt::LeftButton); });
-  go("sin(x)");
+  formula = "sin(x)+sgm(k*x,1,100000,k)";  // 600 million terms unless stopped
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  EXPECT_TRUE(w->running());
+  QTest::mouseClick(w->Command2, Qt::LeftButton);
   EXPECT_FALSE(w->isVisible());
   EXPECT_FALSE(w->running());
   EXPECT_EQ(Lines(w->List1), before);
@@ -314,6 +318,7 @@ TEST_F(RootWindowTest, CoeffTakesTheMultiplierOfTheLeadingCoefficient) {
   press(w->Command5, "2*x^2-3*x+1");
   w->Text6->setText("0.5");
   QTest::keyClick(w->Text6, Qt::Key_Return);  // Enter in the Polynomial box is Factor
+  test::WaitForJobs();
   EXPECT_EQ(w->Text5->text(), "(2*x-1)*(x-1)");
 }
 
@@ -363,7 +368,7 @@ TEST_P(IntersectionFromMain, InterOpensTheWindowInTheDisplayLanguage) {
   ExpectCaptions(w, kCaptions, japanese);
 
   // Expand, then Copy writes the result into the main formula box.
-  QTest::mouseClick(w->Command7, Qt::LeftButton);
+  ClickAndWait(w->Command7);
   QTest::mouseClick(w->Command8, Qt::LeftButton);
   EXPECT_EQ(main().formulaText(), "x^3-x^2-5*x-3");
 
@@ -373,7 +378,7 @@ TEST_P(IntersectionFromMain, InterOpensTheWindowInTheDisplayLanguage) {
   w->Text2->setText("1");
   w->Text3->setText("10");
   w->Text4->setText("1");
-  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  ClickAndWait(w->Command1);
   EXPECT_EQ(errorText(), "判定値が大きすぎます");
 }
 

@@ -168,7 +168,7 @@ TEST_F(SignalWindowsTest, CloseStopsALoad) {
   LoadWindow* w = openLoad();
   ASSERT_NE(w, nullptr);
   chooseFile(w, "big.orb");
-  click(w, "Command1");
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
   EXPECT_TRUE(w->loading());
   EXPECT_EQ(w->Command1->text(), "Stop");
   click(w, "Command2");

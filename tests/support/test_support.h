@@ -48,22 +48,22 @@ class RecordingHost : public EngineHost {
   std::vector<std::string> prompts;
   std::vector<int> errors;
   std::vector<std::string> faults;
-  int eventsProcessed = 0;
+  int checkpoints = 0;
 
   std::optional<std::string> askValue(const std::string& prompt) override;
   void showError(int code, const std::string&) override { errors.push_back(code); }
   void showFault(const std::string& description) override { faults.push_back(description); }
-  void processEvents() override { ++eventsProcessed; }
+  void checkpoint() override { ++checkpoints; }
 };
 
-// A recording host that asks the running loop to stop at its stopAt-th chance to handle events.
+// A recording host that asks the running loop to stop at its stopAt-th checkpoint.
 class StoppingHost : public RecordingHost {
  public:
   Engine* engine = nullptr;
   int stopAt = -1;
-  void processEvents() override {
-    RecordingHost::processEvents();
-    if (engine && eventsProcessed == stopAt) engine->StopRequested = 1;
+  void checkpoint() override {
+    RecordingHost::checkpoint();
+    if (engine && checkpoints == stopAt) engine->StopRequested = 1;
   }
 };
 

@@ -54,6 +54,8 @@ bench:
 	./build/bench/bench/graph_chart_bench
 	./build/bench/bench/diff_bench
 	./build/bench/bench/contour_bench
+	./build/bench/bench/job_bench
+	./build/bench/bench/window_bench
 	bench/primes_vs_primesieve.sh build/bench/merida-cli
 
 clean:

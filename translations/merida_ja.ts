@@ -1228,7 +1228,7 @@
     </message>
     <message>
         <source>Waiting for %1 to end</source>
-        <translation>%1 の終了を待っています</translation>
+        <translation>%1の終了を待っています</translation>
     </message>
     <message>
         <source>%1 of %2 (%3%)  %4 s</source>

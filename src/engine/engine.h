@@ -256,9 +256,16 @@ class Engine {
   // The turns of the jobs that write the record table (not part of the state a copy takes).
   JobQueue& recordWriters() { return recordWriters_; }
 
+  // A sum's or an integral's checkpoint: the host is asked every 64th term across all of
+  // them (nested ones too), StopRequested read after every term.
+  void PollStop() {
+    if ((++termsSincePoll_ & 63) == 0) host_->checkpoint();
+  }
+
  private:
   friend struct Evaluator;
   JobQueue recordWriters_;
+  uint32_t termsSincePoll_ = 0;
   bool CheckName(std::string_view word);
   void CheckNameUnused(std::string_view name);
   int16_t ClassifyWord(std::string_view word) const;

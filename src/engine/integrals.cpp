@@ -157,7 +157,7 @@ bool Engine::ComputeIntegralEntry(IntegralEntry& entry) {
     if (failed()) break;
     S = S + f0 + 4 * f1 + f2;
     x0 = x0 + 2 * h;
-    host_->checkpoint();
+    PollStop();
     if (StopRequested == 1) break;
   }
   XValue = savedX;
@@ -220,7 +220,7 @@ bool Engine::ComputeSumEntry(IntegralEntry& entry) {
     XValue = static_cast<double>(i);
     S = S + EvaluateProgram(n);
     if (failed()) break;
-    host_->checkpoint();
+    PollStop();
     if (StopRequested == 1) break;
   }
   XValue = savedX;

@@ -24,7 +24,7 @@ class BoundedHost : public EngineHost {
   void showError(int, const std::string&) override {}
   void showFault(const std::string&) override {}
   void checkpoint() override {
-    if (++events > 20000 && engine) engine->StopRequested = 1;
+    if (++events > 400 && engine) engine->StopRequested = 1;
   }
 };
 

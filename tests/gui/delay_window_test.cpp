@@ -3,6 +3,7 @@
 #include "graph/graph_window.h"
 #include "gui_fixture.h"
 
+#include <QElapsedTimer>
 #include <QProgressBar>
 
 namespace merida::test {
@@ -83,6 +84,29 @@ TEST_F(DelayWindowTest, WaitsForARunningPlotThatWritesTheRecordTable) {
   EXPECT_EQ(chartValues(w), (std::vector<double>{1, 2, 3, 4}));
   EXPECT_EQ(state().Records.count, 4);
   EXPECT_EQ(state().Records.values[4][1], 4.0f);
+}
+
+// Quitting with one run going and another waiting for it stops both at once; the waiting one
+// never starts.
+TEST_F(DelayWindowTest, QuittingStopsRunningAndWaitingRuns) {
+  start();
+  main().setFormulaText("sgm(k*x,1,100000,k)");
+  press(2);
+  auto* graph = qobject_cast<GraphWindow*>(window(QStringLiteral("GraphWindow")));
+  ASSERT_NE(graph, nullptr);
+  graph->Text3->setText("5999");
+  graph->Text2->setText("1");
+  QTest::mouseClick(graph->Command1, Qt::LeftButton);
+  DelayWindow* w = open("timestep(1)+1");
+  ASSERT_NE(w, nullptr);
+  w->Grid1->setCellText(1, 1, "1");
+  QTest::mouseClick(w->Command1, Qt::LeftButton);
+  ASSERT_TRUE(graph->plotting());
+  ASSERT_TRUE(w->running());
+  QElapsedTimer quitting;
+  quitting.start();
+  app_.reset();
+  EXPECT_LT(quitting.elapsed(), 500);
 }
 
 TEST_F(DelayWindowTest, ErrorsAndTheCapShowInTheWindows) {

@@ -65,6 +65,7 @@ std::optional<Range> ReadRange(Engine& engine, AppState& state, const RootBoxes&
   if (g.n >= cap) {
     g.n = cap - 1;
     r.numBox = std::to_string(cap);
+    engine.host().showBox("Text3", *r.numBox);
   }
   std::optional<double> judge = ReadNumber(boxes.judge);
   if (!judge) {

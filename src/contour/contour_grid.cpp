@@ -37,6 +37,7 @@ std::optional<AxisRange> ReadAxis(Engine& engine, const char* axis, const std::s
   if (a.divisions > ContourGrid::kMaxDivisions) {
     a.divisions = ContourGrid::kMaxDivisions;
     shown = std::to_string(ContourGrid::kMaxDivisions);
+    engine.host().showBox(axis[0] == 'x' ? "Text3" : "Text6", *shown);
   }
   return a;
 }

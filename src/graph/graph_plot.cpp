@@ -57,6 +57,7 @@ std::optional<PlotRange> ReadRange(Engine& engine, AppState& state, const GraphB
   if (r.n >= kMaxGraphPoints) {
     r.n = kMaxGraphPoints - 1;
     out.divisionsBox = std::to_string(kMaxGraphPoints);
+    engine.host().showBox("Text3", *out.divisionsBox);
   }
   if (!std::isfinite((r.end - r.start) / r.n)) {
     out.end = PlotEnd::kFault;

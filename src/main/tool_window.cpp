@@ -118,7 +118,13 @@ void ToolWindow::launchJob(std::function<void(ToolRun&)> work) {
   const int generation = ++generation_;
   run_->host.boxShown = [this](const std::string& box, const std::string& text) {
     postWhileRunning([this, name = QString::fromStdString(box), value = QString::fromStdString(text)] {
-      if (auto* edit = findChild<QLineEdit*>(name)) edit->setText(value);
+      // This window's box, not one of the same name in a window it owns.
+      for (QLineEdit* edit : findChildren<QLineEdit*>(name)) {
+        if (edit->window() == this) {
+          edit->setText(value);
+          break;
+        }
+      }
     });
   };
   std::shared_ptr<ToolRun> run = run_;

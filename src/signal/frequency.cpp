@@ -88,6 +88,7 @@ FftGoResult FrequencyAnalysis::go(std::string_view formula, const FftBoxes& boxe
     }
     n_ = *n;
     r.numBox = std::to_string(n_);
+    engine_.host().showBox("Text3", *r.numBox);
     if (!(t0 < t1)) {
       engine_.EndSilently("the start of the range must be below its end");
       return FftEnd::kSilent;

@@ -137,17 +137,18 @@ TEST_F(GraphWindowTest, DivisionsBoxShowsTheCap) {
   EXPECT_EQ(state.Records.count, 5000);
 }
 
-// A plot runs beside the window: Close ends it at once, and the chart and the record table
-// keep what the last finished plot left.
+// A plot runs beside the window: its capped count shows at once, Close ends it at once, and
+// the chart and the record table keep what the last finished plot left.
 TEST_F(GraphWindowTest, CloseStopsARunningPlotAndKeepsThePreviousOne) {
   plot(window->Command1, "x^2", "0", "2", "4");
   const QList<QPointF> before = drawn();
   formula = "sgm(k*x,1,100000,k)";  // 600 million terms unless stopped
-  window->Text3->setText("5999");
+  window->Text3->setText("9000");
   QTest::mouseClick(window->Command1, Qt::LeftButton);
-  EXPECT_TRUE(window->plotting());
   EXPECT_EQ(window->Command1->text(), "Stop");
-  QTest::qWait(50);
+  EXPECT_TRUE(QTest::qWaitFor([this] { return window->Text3->text() == "6000"; }, 5000))
+      << "the capped count shows while the plot runs";
+  EXPECT_TRUE(window->plotting());
   QElapsedTimer closing;
   closing.start();
   QTest::mouseClick(window->Command2, Qt::LeftButton);

@@ -4,7 +4,7 @@ BUILD  := build/$(PRESET)
 
 PREFIX ?= /usr/local
 
-.PHONY: run test build configure sanitize tsan fuzz bench clean install
+.PHONY: run test build configure sanitize tsan fuzz bench clean install package
 
 run: build
 	cd "$(CURDIR)" && ./$(BUILD)/merida
@@ -21,6 +21,13 @@ configure:
 
 install: build
 	cmake --install $(BUILD) --prefix "$(PREFIX)"
+
+# A Debian package of the build in $(BUILD)/package/, checked by lintian (errors fail).
+package: build
+	scripts/setup dpkg-dev file lintian
+	rm -f $(BUILD)/package/*.deb
+	cd $(BUILD) && cpack -G DEB
+	lintian --fail-on error --info $(BUILD)/package/*.deb
 
 # Engine and tool-logic tests under AddressSanitizer and UBSan.
 sanitize:

@@ -9,7 +9,7 @@
 int main(int argc, char** argv) {
   QApplication qt(argc, argv);
   QApplication::setApplicationName(QStringLiteral("MERIDA"));
-  QApplication::setApplicationVersion(QStringLiteral("7.6"));
+  QApplication::setApplicationVersion(QStringLiteral(MERIDA_VERSION));
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/io.github.merida.Merida.svg")));
   // Wayland and the desktop entry match windows to the entry by this name.
   QGuiApplication::setDesktopFileName(QStringLiteral("io.github.merida.Merida"));

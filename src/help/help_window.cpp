@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -141,8 +142,11 @@ void HelpWindow::switchLanguage() {
 }
 
 void HelpWindow::openManual() {
-  QString path = QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("Merida.htm"));
-  QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+  // Beside the program in a build, in share/merida once installed.
+  const QDir programDir(QCoreApplication::applicationDirPath());
+  QString path = programDir.filePath(QStringLiteral("Merida.htm"));
+  if (!QFileInfo::exists(path)) path = programDir.filePath(QStringLiteral("../share/merida/Merida.htm"));
+  QDesktopServices::openUrl(QUrl::fromLocalFile(QDir::cleanPath(path)));
 }
 
 }  // namespace merida

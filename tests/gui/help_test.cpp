@@ -1,5 +1,8 @@
 // The Help window: both lists, the version box, the language switch and the manual.
 #include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGroupBox>
 #include <QListWidget>
 #include <QMessageBox>
@@ -142,14 +145,23 @@ TEST_F(Help, VersionBoxInBothLanguages) {
   }
 }
 
-TEST_F(Help, ManualOpensMeridaHtmBesideTheProgram) {
+// The manual beside the program (a build), else where an installation puts it.
+TEST_F(Help, ManualOpensMeridaHtmBesideTheProgramOrInstalled) {
+  const QDir programDir(QCoreApplication::applicationDirPath());
+  const QString beside = programDir.filePath("Merida.htm");
+  ASSERT_FALSE(QFileInfo::exists(beside)) << "the test program's directory holds no manual";
   start();
-  UrlCatcher catcher;
-  QDesktopServices::setUrlHandler(QStringLiteral("file"), &catcher, "open");
-  click(openHelp(), "Command5");
-  QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
-  ASSERT_EQ(catcher.urls.size(), 1);
-  EXPECT_EQ(catcher.urls[0], QUrl::fromLocalFile(QCoreApplication::applicationDirPath() + "/Merida.htm"));
+  for (bool installed : {true, false}) {
+    if (!installed) QFile(beside).open(QIODevice::WriteOnly);
+    UrlCatcher catcher;
+    QDesktopServices::setUrlHandler(QStringLiteral("file"), &catcher, "open");
+    click(openHelp(), "Command5");
+    QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+    if (!installed) QFile::remove(beside);
+    ASSERT_EQ(catcher.urls.size(), 1);
+    const QString expected = installed ? QDir::cleanPath(programDir.filePath("../share/merida/Merida.htm")) : beside;
+    EXPECT_EQ(catcher.urls[0], QUrl::fromLocalFile(expected)) << installed;
+  }
 }
 
 TEST_F(Help, CloseClosesTheWindow) {

@@ -8,7 +8,8 @@ trap 'rm -rf "$prefix"' EXIT
 id=io.github.merida.Merida
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
-for f in bin/merida bin/merida-cli bin/Merida.htm share/merida/translations/merida_ja.qm \
+for f in bin/merida bin/merida-cli share/merida/Merida.htm share/merida/translations/merida_ja.qm \
+         share/man/man1/merida.1.gz share/man/man1/merida-cli.1.gz share/doc/merida/copyright \
          "share/applications/$id.desktop" "share/metainfo/$id.metainfo.xml" \
          "share/icons/hicolor/scalable/apps/$id.svg"; do
   [ -s "$prefix/$f" ] || { echo "missing after install: $f"; exit 1; }

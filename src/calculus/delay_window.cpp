@@ -2,10 +2,6 @@
 #include "calculus/delay_window.h"
 
 #include <QCloseEvent>
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QHeaderView>
-#include <QVBoxLayout>
 
 #include "stats/stat_data_window.h"
 
@@ -13,34 +9,9 @@ namespace merida {
 
 DelayWindow::DelayWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
-  setObjectName("DelayWindow");
-  Grid1 = new GridWidget;
-  Grid1->setObjectName("Grid1");
+  setupUi(this);
   Grid1->reset(kMaxDelay + 1, 2);
   for (int row = 1; row <= kMaxDelay; ++row) Grid1->setCellText(row, 0, QString::number(row));
-  Grid1->setMinimumWidth(150);
-  Frame1 = makeBoxFrame("Frame1", Text1, "Text1");
-  Frame2 = makeBoxFrame("Frame2", Text2, "Text2");
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Graph1 = new ChartWidget;
-  Graph1->setObjectName("Graph1");
-  Graph1->setMinimumSize(420, 320);
-
-  auto* side = new QVBoxLayout;
-  side->addWidget(Grid1, 1);
-  side->addWidget(Frame1);
-  side->addWidget(Frame2);
-  auto* buttons = new QGridLayout;
-  QPushButton* order[] = {Command1, Command2, Command4, Command3};
-  for (int k = 0; k < 4; ++k) buttons->addWidget(order[k], k / 2, k % 2);
-  side->addLayout(buttons);
-  auto* layout = new QHBoxLayout(this);
-  layout->addWidget(Graph1, 1);
-  layout->addLayout(side);
-  resize(720, 460);
 
   connect(Command1, &QPushButton::clicked, this, &DelayWindow::go);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
@@ -62,13 +33,7 @@ DelayWindow::DelayWindow(Engine& engine, AppState& state, std::function<QString(
 }
 
 void DelayWindow::retranslate() {
-  setWindowTitle(tr("Delay Calculate"));
-  Command1->setText(tr("Go"));
-  Command2->setText(tr("Close"));
-  Command3->setText(tr("Print"));
-  Command4->setText(tr("Data"));
-  Frame1->setTitle(tr("Step"));
-  Frame2->setTitle(tr("Init Value"));
+  retranslateUi(this);
   Grid1->setCellText(0, 1, tr("Init"));
   Grid1->fitColumns();
 }

@@ -1,22 +1,20 @@
 // The Delay Calculate window: initial values in a grid, the recurrence on a chart.
 #pragma once
 
-#include <QGroupBox>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <functional>
 
 #include "calculus/delay.h"
 #include "controls/chart_widget.h"
 #include "controls/grid_widget.h"
 #include "main/tool_window.h"
+#include "ui_delay_window.h"
 
 namespace merida {
 
 class StatDataWindow;
 
-class DelayWindow : public ToolWindow {
+class DelayWindow : public ToolWindow, public Ui::DelayWindow {
   Q_OBJECT
 
  public:
@@ -25,12 +23,6 @@ class DelayWindow : public ToolWindow {
 
   void retranslate() override;
   bool running() const;
-
-  QPushButton *Command1, *Command2, *Command3, *Command4;
-  QGroupBox *Frame1, *Frame2;
-  QLineEdit *Text1, *Text2;
-  GridWidget* Grid1;
-  ChartWidget* Graph1;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -46,6 +46,7 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<WalkCas
   // Checks the buttons of every window open now; saves each window the first time it is seen
   // with its title.
   void checkOpenWindows() {
+    WaitForJobs();
     QCoreApplication::processEvents();
     for (QWidget* w : QApplication::topLevelWidgets()) {
       if (!w->isVisible()) continue;

@@ -3,26 +3,11 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QVBoxLayout>
 
 #include "main/calculator.h"
 
 namespace merida {
 namespace {
-
-// The buttons in reading order of the grid: calculator, graphs and calculus, algebra and
-// plots, data and helpers.
-constexpr std::array<std::array<int, 5>, 4> kButtonGrid = {{
-    {1, 4, 3, 5, 6},
-    {2, 7, 9, 10, 14},
-    {13, 16, 20, 11, 15},
-    {18, 17, 19, 12, 8},
-}};
 
 // The buttons that act on the main window itself and are always enabled.
 bool IsOwnAction(int n) { return n == 1 || n == 4 || n == 5 || n == 6; }
@@ -46,54 +31,20 @@ class RunGuard {
 }  // namespace
 
 MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
-  setObjectName(QStringLiteral("MainWindow"));
-
-  Frame1 = new QGroupBox(this);
-  Frame1->setObjectName(QStringLiteral("Frame1"));
-  Text1 = new QLineEdit(Frame1);
-  Text1->setObjectName(QStringLiteral("Text1"));
-  Text1->setMinimumWidth(360);
-  (new QVBoxLayout(Frame1))->addWidget(Text1);
-
-  Frame2 = new QGroupBox(this);
-  Frame2->setObjectName(QStringLiteral("Frame2"));
-  Label1 = new QLabel(Frame2);
-  Label1->setObjectName(QStringLiteral("Label1"));
-  Label1->setTextFormat(Qt::PlainText);
-  Label1->setFrameShape(QFrame::StyledPanel);
-  Label1->setFrameShadow(QFrame::Sunken);
+  setupUi(this);
+  // Heights from the font in use: the answer as tall as the formula box, and the buttons measured
+  // empty, so that the captions' language leaves them alone.
   Label1->setMinimumHeight(Text1->sizeHint().height());
-  // The formula and the answer are one line each: a taller window gives its room to the buttons.
-  Frame1->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-  Frame2->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-  Label1->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  (new QVBoxLayout(Frame2))->addWidget(Label1);
-
-  QPushButton** members[] = {&Command1,  &Command2,  &Command3,  &Command4,  &Command5,
-                             &Command6,  &Command7,  &Command8,  &Command9,  &Command10,
-                             &Command11, &Command12, &Command13, &Command14, &Command15,
-                             &Command16, &Command17, &Command18, &Command19, &Command20};
+  const int buttonHeight = QPushButton(this).sizeHint().height();
+  QPushButton* members[] = {Command1,  Command2,  Command3,  Command4,  Command5,  Command6,  Command7,
+                            Command8,  Command9,  Command10, Command11, Command12, Command13, Command14,
+                            Command15, Command16, Command17, Command18, Command19, Command20};
   for (int n = 1; n <= 20; ++n) {
-    auto* button = new QPushButton(this);
-    button->setObjectName(QStringLiteral("Command%1").arg(n));
-    button->setAutoDefault(false);
-    button->setEnabled(IsOwnAction(n));
-    button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
-    button->setMinimumHeight(button->sizeHint().height());
-    button->setMaximumHeight(2 * button->sizeHint().height());
-    *members[n - 1] = button;
+    QPushButton* button = members[n - 1];
+    button->setMinimumHeight(buttonHeight);
+    button->setMaximumHeight(2 * buttonHeight);
     buttons_[n] = button;
   }
-
-  auto* grid = new QGridLayout;
-  for (int row = 0; row < static_cast<int>(kButtonGrid.size()); ++row) {
-    for (int col = 0; col < 5; ++col) grid->addWidget(command(kButtonGrid[row][col]), row, col);
-  }
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Frame1);
-  layout->addWidget(Frame2);
-  layout->addLayout(grid, 1);
-  layout->addStretch(0);
 
   connect(Text1, &QLineEdit::returnPressed, this, &MainWindow::calc);
   Text1->installEventFilter(this);
@@ -116,20 +67,9 @@ MainWindow::MainWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
 QPushButton* MainWindow::command(int n) const { return buttons_.at(n); }
 
 void MainWindow::retranslate() {
-  // clang-format off
-  static const char* const captions[] = {
-      nullptr,
-      QT_TR_NOOP("Calc"),  QT_TR_NOOP("Graph"), QT_TR_NOOP("List"),   QT_TR_NOOP("Rec"),    QT_TR_NOOP("Clear"),
-      QT_TR_NOOP("End"),   QT_TR_NOOP("Integ"), QT_TR_NOOP("Help"),   QT_TR_NOOP("Diff"),   QT_TR_NOOP("Inter"),
-      QT_TR_NOOP("Contr"), QT_TR_NOOP("Edit"),  QT_TR_NOOP("Simult"), QT_TR_NOOP("Delay"),  QT_TR_NOOP("Wave"),
-      QT_TR_NOOP("Matrix"), QT_TR_NOOP("FFT"),  QT_TR_NOOP("Load"),   QT_TR_NOOP("Stat"),   QT_TR_NOOP("Prime")};
-  // clang-format on
-  setWindowTitle(tr("MERIDA"));
-  Frame1->setTitle(tr("Function"));
-  Frame2->setTitle(tr("Answer"));
+  retranslateUi(this);
   for (int n = 1; n <= 20; ++n) {
     QPushButton* button = command(n);
-    button->setText(tr(captions[n]));
     bool unavailable = !IsOwnAction(n) && !openers_[n];
     button->setToolTip(unavailable ? tr("This window is not available yet.") : QString());
   }

@@ -6,16 +6,13 @@
 
 #include "main/formula_history.h"
 #include "main/tool_window.h"
+#include "ui_main_window.h"
 
-class QGroupBox;
 class QKeyEvent;
-class QLabel;
-class QLineEdit;
-class QPushButton;
 
 namespace merida {
 
-class MainWindow : public ToolWindow {
+class MainWindow : public ToolWindow, public Ui::MainWindow {
   Q_OBJECT
 
  public:
@@ -49,13 +46,6 @@ class MainWindow : public ToolWindow {
   void clear();
   QPushButton* command(int n) const;
 
-  QGroupBox* Frame1;
-  QLineEdit* Text1;
-  QGroupBox* Frame2;
-  QLabel* Label1;
-  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8,
-      *Command9, *Command10, *Command11, *Command12, *Command13, *Command14, *Command15, *Command16,
-      *Command17, *Command18, *Command19, *Command20;
   std::array<QPushButton*, 21> buttons_{};         // Command1..Command20 by number
   std::array<std::function<void()>, 21> openers_;  // by command number
   bool running_ = false;                           // Calc or Rec in progress

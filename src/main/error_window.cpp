@@ -3,11 +3,7 @@
 #include "main/error_window.h"
 
 #include <QGuiApplication>
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QPushButton>
 #include <QScreen>
-#include <QVBoxLayout>
 #include <algorithm>
 
 namespace merida {
@@ -38,35 +34,11 @@ QPoint PlaceBeside(const QRect& anchor, const QSize& size, const QRect& screen) 
 }
 
 ErrorWindow::ErrorWindow(QWidget* parent) : QDialog(parent) {
-  setModal(false);
-  setObjectName(QStringLiteral("ErrorWindow"));
-  Label1 = new QLabel(this);
-  Label1->setObjectName(QStringLiteral("Label1"));
-  Label1->setTextFormat(Qt::PlainText);
-  Label1->setWordWrap(true);
-  Label1->setMinimumWidth(280);
-  Label1->setAlignment(Qt::AlignCenter);
-  Label1->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  Command1 = new QPushButton(this);
-  Command1->setObjectName(QStringLiteral("Command1"));
-  Command1->setDefault(true);
-  Command1->setAutoDefault(true);
+  setupUi(this);
   connect(Command1, &QPushButton::clicked, this, &QDialog::accept);
-
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch();
-  buttons->addWidget(Command1);
-  buttons->addStretch();
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Label1, 1);
-  layout->addLayout(buttons);
-  retranslate();
 }
 
-void ErrorWindow::retranslate() {
-  setWindowTitle(tr("Error Message"));
-  Command1->setText(tr("OK"));
-}
+void ErrorWindow::retranslate() { retranslateUi(this); }
 
 void ErrorWindow::showMessage(const QString& message, QWidget* raisedBy) {
   if (!isVisible()) {

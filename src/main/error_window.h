@@ -3,8 +3,7 @@
 
 #include <QDialog>
 
-class QLabel;
-class QPushButton;
+#include "ui_error_window.h"
 
 namespace merida {
 
@@ -12,7 +11,7 @@ namespace merida {
 // above; when none fits, the place that covers the least of the anchor.
 QPoint PlaceBeside(const QRect& anchor, const QSize& size, const QRect& screen);
 
-class ErrorWindow : public QDialog {
+class ErrorWindow : public QDialog, public Ui::ErrorWindow {
   Q_OBJECT
 
  public:
@@ -24,9 +23,6 @@ class ErrorWindow : public QDialog {
 
  private:
   void retranslate();
-
-  QLabel* Label1;
-  QPushButton* Command1;
 };
 
 }  // namespace merida

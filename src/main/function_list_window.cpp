@@ -1,11 +1,7 @@
 // The list mirrors the engine's slots: line i (from 0) is user function i + 1.
 #include "main/function_list_window.h"
 
-#include <QHBoxLayout>
-#include <QListWidget>
 #include <QMessageBox>
-#include <QPushButton>
-#include <QVBoxLayout>
 #include <filesystem>
 
 #include "main/main_window.h"
@@ -15,25 +11,7 @@ namespace merida {
 
 FunctionListWindow::FunctionListWindow(Engine& engine, AppState& state, MainWindow& main, QWidget* parent)
     : ToolWindow(engine, state, parent), main_(main) {
-  setObjectName(QStringLiteral("FunctionListWindow"));
-  List1 = new QListWidget(this);
-  List1->setObjectName(QStringLiteral("List1"));
-  List1->setMinimumSize(360, 200);
-
-  Command3 = makeButton("Command3");
-  Command2 = makeButton("Command2");
-  Command4 = makeButton("Command4");
-  Command1 = makeButton("Command1");
-
-  auto* buttons = new QHBoxLayout;
-  buttons->addWidget(Command3);
-  buttons->addWidget(Command2);
-  buttons->addWidget(Command4);
-  buttons->addStretch();
-  buttons->addWidget(Command1);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(List1, 1);
-  layout->addLayout(buttons);
+  setupUi(this);
 
   connect(Command3, &QPushButton::clicked, this, &FunctionListWindow::select);
   connect(List1, &QListWidget::itemDoubleClicked, this, &FunctionListWindow::select);
@@ -41,17 +19,10 @@ FunctionListWindow::FunctionListWindow(Engine& engine, AppState& state, MainWind
   connect(Command4, &QPushButton::clicked, this, &FunctionListWindow::save);
   connect(Command1, &QPushButton::clicked, this, &QWidget::close);
 
-  retranslate();
   fill();
 }
 
-void FunctionListWindow::retranslate() {
-  setWindowTitle(tr("Function List"));
-  Command4->setText(tr("Rec"));
-  Command3->setText(tr("Selct"));
-  Command2->setText(tr("Del"));
-  Command1->setText(tr("Close"));
-}
+void FunctionListWindow::retranslate() { retranslateUi(this); }
 
 void FunctionListWindow::setParameterTarget(std::function<bool(const QString&)> target) {
   parameterTarget_ = std::move(target);

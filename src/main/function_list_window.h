@@ -4,15 +4,13 @@
 #include <functional>
 
 #include "main/tool_window.h"
-
-class QListWidget;
-class QPushButton;
+#include "ui_function_list_window.h"
 
 namespace merida {
 
 class MainWindow;
 
-class FunctionListWindow : public ToolWindow {
+class FunctionListWindow : public ToolWindow, public Ui::FunctionListWindow {
   Q_OBJECT
 
  public:
@@ -33,11 +31,6 @@ class FunctionListWindow : public ToolWindow {
 
   MainWindow& main_;
   std::function<bool(const QString&)> parameterTarget_;
-  QListWidget* List1;
-  QPushButton* Command4;
-  QPushButton* Command3;
-  QPushButton* Command2;
-  QPushButton* Command1;
 };
 
 }  // namespace merida

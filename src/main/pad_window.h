@@ -2,16 +2,13 @@
 #pragma once
 
 #include "main/tool_window.h"
-
-class QGroupBox;
-class QLabel;
-class QPushButton;
+#include "ui_pad_window.h"
 
 namespace merida {
 
 class MainWindow;
 
-class PadWindow : public ToolWindow {
+class PadWindow : public ToolWindow, public Ui::PadWindow {
   Q_OBJECT
 
  public:
@@ -25,13 +22,6 @@ class PadWindow : public ToolWindow {
   void recall();
 
   MainWindow& main_;
-  QGroupBox* Frame1;
-  QLabel* Label1;
-  QPushButton* Command1;
-  QPushButton* Command2;
-  QPushButton* Command3;
-  QPushButton* Command5;
-  QPushButton* Command4;
 };
 
 }  // namespace merida

@@ -6,13 +6,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QFontDatabase>
-#include <QGroupBox>
-#include <QHBoxLayout>
-#include <QListWidget>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QUrl>
-#include <QVBoxLayout>
 #include <algorithm>
 #include <filesystem>
 #include <span>
@@ -45,27 +40,10 @@ void Fill(QListWidget* list, std::span<const std::string_view> lines) {
 HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translations, MainWindow& main,
                        QWidget* parent)
     : ToolWindow(engine, state, parent), translations_(translations), main_(main) {
-  setObjectName(QStringLiteral("HelpWindow"));
+  setupUi(this);
   QFont font = ListFont();
-
-  Frame1 = new QGroupBox(this);
-  Frame1->setObjectName(QStringLiteral("Frame1"));
-  List1 = new QListWidget(Frame1);
-  List1->setObjectName(QStringLiteral("List1"));
   List1->setFont(font);
-  (new QVBoxLayout(Frame1))->addWidget(List1);
-
-  Frame2 = new QGroupBox(this);
-  Frame2->setObjectName(QStringLiteral("Frame2"));
-  List2 = new QListWidget(Frame2);
-  List2->setObjectName(QStringLiteral("List2"));
   List2->setFont(font);
-  (new QVBoxLayout(Frame2))->addWidget(List2);
-
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Command5 = makeButton("Command5");
-  Command2 = makeButton("Command2");
 
   // Both lists show every line without scrolling, in either language.
   QFontMetrics metrics(font);
@@ -85,24 +63,9 @@ HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translatio
     int frame = 2 * list->frameWidth();
     int row = std::max(list->sizeHintForRow(0), metrics.lineSpacing());
     list->setFixedSize(width + frame + 2 * metrics.averageCharWidth(), lines * row + frame + 4);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   };
   fit(List1, widest(OperatorLines(kEnglish), OperatorLines(kJapanese)), 6);
   fit(List2, widest(FunctionLines(kEnglish), FunctionLines(kJapanese)), 26);
-
-  auto* left = new QVBoxLayout;
-  left->addWidget(Frame1);
-  left->addSpacing(8);
-  left->addWidget(Command3);
-  left->addWidget(Command4);
-  left->addWidget(Command5);
-  left->addStretch(1);
-  left->addWidget(Command2);
-  auto* layout = new QHBoxLayout(this);
-  layout->addLayout(left);
-  layout->addWidget(Frame2);
-  layout->setSizeConstraint(QLayout::SetFixedSize);
 
   connect(Command3, &QPushButton::clicked, this, &HelpWindow::showVersion);
   connect(Command4, &QPushButton::clicked, this, &HelpWindow::switchLanguage);
@@ -111,13 +74,7 @@ HelpWindow::HelpWindow(Engine& engine, AppState& state, Translations& translatio
 }
 
 void HelpWindow::retranslate() {
-  setWindowTitle(tr("Help"));
-  Frame1->setTitle(tr("Calculate"));
-  Frame2->setTitle(tr("Function"));
-  Command3->setText(tr("Version"));
-  Command4->setText(tr("Japan"));
-  Command5->setText(tr("Manual"));
-  Command2->setText(tr("Close"));
+  retranslateUi(this);
   Fill(List1, OperatorLines(state_.DisplayLanguage));
   Fill(List2, FunctionLines(state_.DisplayLanguage));
 }

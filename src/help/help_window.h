@@ -2,17 +2,14 @@
 #pragma once
 
 #include "main/tool_window.h"
-
-class QGroupBox;
-class QListWidget;
-class QPushButton;
+#include "ui_help_window.h"
 
 namespace merida {
 
 class MainWindow;
 class Translations;
 
-class HelpWindow : public ToolWindow {
+class HelpWindow : public ToolWindow, public Ui::HelpWindow {
   Q_OBJECT
 
  public:
@@ -29,14 +26,6 @@ class HelpWindow : public ToolWindow {
 
   Translations& translations_;
   MainWindow& main_;
-  QGroupBox* Frame1;
-  QListWidget* List1;
-  QGroupBox* Frame2;
-  QListWidget* List2;
-  QPushButton* Command3;
-  QPushButton* Command4;
-  QPushButton* Command5;
-  QPushButton* Command2;
 };
 
 }  // namespace merida

@@ -4,9 +4,6 @@
 
 #include <QCloseEvent>
 #include <QElapsedTimer>
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 namespace merida {
 
@@ -62,41 +59,10 @@ void PrimeLinesModel::finishListing() {
 
 PrimeWindow::PrimeWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent), model_(new PrimeLinesModel(this)), ticker_(new QTimer(this)) {
-  setObjectName("PrimeWindow");
-  auto make = [this](auto*& member, const char* name) {
-    member = new std::remove_reference_t<decltype(*member)>(this);
-    member->setObjectName(name);
-  };
-  make(Text1, "Text1");
-  make(Text2, "Text2");
-  make(Option1, "Option1");
-  make(Option2, "Option2");
-  make(Command1, "Command1");
-  make(Command2, "Command2");
-  make(Command3, "Command3");
-  make(Command4, "Command4");
-  make(List1, "List1");
-
+  setupUi(this);
+  // The form has the view lay out its rows in batches: it lays out every row again after each
+  // insertion, and in batches never holds the event loop for long, whatever the number of rows.
   List1->setModel(model_);
-  // The view lays out every row again after each insertion; in batches it never holds the event
-  // loop for long, whatever the number of rows.
-  List1->setUniformItemSizes(true);
-  List1->setLayoutMode(QListView::Batched);
-  List1->setBatchSize(20000);
-  List1->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  Option1->setChecked(true);
-
-  auto* boxes = new QGridLayout;
-  boxes->addWidget(Option1, 0, 0);
-  boxes->addWidget(Text1, 0, 1);
-  boxes->addWidget(Option2, 1, 0);
-  boxes->addWidget(Text2, 1, 1);
-  auto* buttons = new QHBoxLayout;
-  for (QPushButton* b : {Command1, Command2, Command4, Command3}) buttons->addWidget(b);
-  auto* layout = new QVBoxLayout(this);
-  layout->addLayout(boxes);
-  layout->addLayout(buttons);
-  layout->addWidget(List1, 1);
 
   connect(Command1, &QPushButton::clicked, this, &PrimeWindow::factor);
   connect(Command2, &QPushButton::clicked, this, &PrimeWindow::startListing);
@@ -113,7 +79,6 @@ PrimeWindow::PrimeWindow(Engine& engine, AppState& state, QWidget* parent)
   connect(Command3, &QPushButton::clicked, this, &QWidget::close);
   connect(ticker_, &QTimer::timeout, this, &PrimeWindow::continueListing);
 
-  resize(380, 460);
   reset();
 }
 
@@ -126,19 +91,7 @@ void PrimeWindow::reset() {
   retranslate();
 }
 
-QString PrimeWindow::caption(const char* english) const {
-  return japanese() ? tr(english) : QString::fromUtf8(english);
-}
-
-void PrimeWindow::retranslate() {
-  setWindowTitle(caption(QT_TR_NOOP("Prime")));
-  Command1->setText(caption(QT_TR_NOOP("P Factor")));
-  Command2->setText(caption(QT_TR_NOOP("Prime")));
-  Command4->setText(caption(QT_TR_NOOP("G.C.M.")));
-  Command3->setText(caption(QT_TR_NOOP("Close")));
-  Option1->setText(caption(QT_TR_NOOP("Number 1")));
-  Option2->setText(caption(QT_TR_NOOP("Number 2")));
-}
+void PrimeWindow::retranslate() { retranslateUi(this); }
 
 std::string PrimeWindow::selectedText() const {
   return (Option1->isChecked() ? Text1 : Text2)->text().toStdString();

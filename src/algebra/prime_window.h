@@ -2,10 +2,6 @@
 #pragma once
 
 #include <QAbstractListModel>
-#include <QLineEdit>
-#include <QListView>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QTimer>
 #include <memory>
 #include <string>
@@ -13,6 +9,7 @@
 
 #include "algebra/primes.h"
 #include "main/tool_window.h"
+#include "ui_prime_window.h"
 
 namespace merida {
 
@@ -41,7 +38,7 @@ class PrimeLinesModel : public QAbstractListModel {
   PrimeStore primes_;
 };
 
-class PrimeWindow : public ToolWindow {
+class PrimeWindow : public ToolWindow, public Ui::PrimeWindow {
   Q_OBJECT
 
  public:
@@ -53,16 +50,6 @@ class PrimeWindow : public ToolWindow {
   bool listing() const { return sieve_ != nullptr; }
   PrimeLinesModel* model() const { return model_; }
 
-  QLineEdit* Text1;
-  QLineEdit* Text2;
-  QRadioButton* Option1;
-  QRadioButton* Option2;
-  QPushButton* Command1;
-  QPushButton* Command2;
-  QPushButton* Command3;
-  QPushButton* Command4;
-  QListView* List1;
-
  signals:
   // A listing ended: complete with its count line, or stopped.
   void listingEnded(bool complete);
@@ -71,7 +58,6 @@ class PrimeWindow : public ToolWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  QString caption(const char* english) const;
   std::string selectedText() const;
   void factor();
   void startListing();

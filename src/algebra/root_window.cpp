@@ -2,11 +2,8 @@
 #include "algebra/root_window.h"
 
 #include <QCloseEvent>
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QMessageBox>
 #include <QSignalBlocker>
-#include <QVBoxLayout>
 
 #include "engine/number_text.h"
 
@@ -23,68 +20,7 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
       formula_(std::move(formula)),
       setFormula_(std::move(setFormula)),
       tools_(engine) {
-  setObjectName("IntersectionWindow");
-  Frame1 = makeBoxFrame("Frame1", Text1, "Text1");
-  Frame2 = makeBoxFrame("Frame2", Text2, "Text2");
-  Frame3 = makeBoxFrame("Frame3", Text3, "Text3");
-  Frame4 = makeBoxFrame("Frame4", Text4, "Text4");
-  Frame5 = makeBoxFrame("Frame5", Text5, "Text5");
-  Frame6 = makeBoxFrame("Frame6", Text6, "Text6");
-  Text5->setMaximumWidth(QWIDGETSIZE_MAX);  // a formula, not a number
-  // The integer tolerance belongs to the polynomial frame, beside the root box.
-  Text7 = new QLineEdit;
-  Text7->setObjectName("Text7");
-  Text7->setMaximumWidth(110);
-  if (auto* row = qobject_cast<QBoxLayout*>(Frame6->layout())) {
-    row->setDirection(QBoxLayout::LeftToRight);
-    row->addWidget(Text7);
-    row->addStretch(1);
-  }
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Command5 = makeButton("Command5");
-  Command6 = makeButton("Command6");
-  Command7 = makeButton("Command7");
-  Command8 = makeButton("Command8");
-  Command9 = makeButton("Command9");
-  Check1 = new QCheckBox(this);
-  Check1->setObjectName("Check1");
-  Check2 = new QCheckBox(this);
-  Check2->setObjectName("Check2");
-  Check3 = new QCheckBox(this);
-  Check3->setObjectName("Check3");
-  List1 = new QListWidget(this);
-  List1->setObjectName("List1");
-  Graph1 = new ChartWidget;
-  Graph1->setObjectName("Graph1");
-  Graph1->setMinimumSize(420, 340);
-
-  // The interval, the second function, then the polynomial frame.
-  auto* fields = new QGridLayout;
-  fields->addWidget(Frame1, 0, 0);
-  fields->addWidget(Frame2, 0, 1);
-  fields->addWidget(Frame3, 1, 0);
-  fields->addWidget(Frame4, 1, 1);
-  fields->addWidget(Frame5, 2, 0, 1, 2);
-  fields->addWidget(Frame6, 3, 0, 1, 2);
-  auto* checks = new QHBoxLayout;
-  for (QCheckBox* c : {Check1, Check2, Check3}) checks->addWidget(c);
-  checks->addStretch(1);
-  // The searches, then the polynomial tools, then what every window has.
-  auto* buttons = new QGridLayout;
-  QPushButton* order[] = {Command1, Command3, Command2, Command7, Command5, Command4, Command6, Command8, Command9};
-  for (int k = 0; k < 9; ++k) buttons->addWidget(order[k], k / 3, k % 3);
-  auto* side = new QVBoxLayout;
-  side->addLayout(fields);
-  side->addLayout(checks);
-  side->addLayout(buttons);
-  side->addWidget(List1, 1);
-  auto* layout = new QHBoxLayout(this);
-  layout->addWidget(Graph1, 1);
-  layout->addLayout(side);
-  resize(860, 560);
+  setupUi(this);
 
   connect(Command1, &QPushButton::clicked, this, &IntersectionWindow::go);
   connect(Command3, &QPushButton::clicked, this, &IntersectionWindow::inter);
@@ -113,7 +49,6 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   pressOnEnter({Text5}, Command3);
   pressOnEnter({Text6}, Command6);
 
-  retranslate();
   engine_.UnboundPolicy = -1;
   state_.DivisionCount = 50;
   Text3->setText(QString::number(state_.DivisionCount));
@@ -127,28 +62,7 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   Graph1->draw();
 }
 
-void IntersectionWindow::retranslate() {
-  setWindowTitle(tr("Intersection Point"));
-  Frame1->setTitle(tr("Min"));
-  Frame2->setTitle(tr("Max"));
-  Frame3->setTitle(tr("Num"));
-  Frame4->setTitle(tr("Jugde Val"));
-  Frame5->setTitle(tr("Second Function"));
-  Frame6->setTitle(tr("Polynomial"));
-  Text7->setToolTip(tr("Integer tolerance"));
-  Command1->setText(tr("Go"));
-  Command2->setText(tr("Close"));
-  Command3->setText(tr("Inter"));
-  Command4->setText(tr("Seek"));
-  Command5->setText(tr("Arrange"));
-  Command6->setText(tr("Factor"));
-  Command7->setText(tr("Expand"));
-  Command8->setText(tr("Copy"));
-  Command9->setText(tr("Print"));
-  Check1->setText(tr("Graph"));
-  Check2->setText(tr("Integer"));
-  Check3->setText(tr("Coeff"));
-}
+void IntersectionWindow::retranslate() { retranslateUi(this); }
 
 void IntersectionWindow::connectToggle(QCheckBox* box, int16_t& value) {
   connect(box, &QCheckBox::clicked, this, [box, &value] {

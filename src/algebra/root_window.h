@@ -2,9 +2,6 @@
 #pragma once
 
 #include <QCheckBox>
-#include <QGroupBox>
-#include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
 #include <functional>
 #include <vector>
@@ -13,10 +10,11 @@
 #include "algebra/roots.h"
 #include "controls/chart_widget.h"
 #include "main/tool_window.h"
+#include "ui_root_window.h"
 
 namespace merida {
 
-class IntersectionWindow : public ToolWindow {
+class IntersectionWindow : public ToolWindow, public Ui::IntersectionWindow {
   Q_OBJECT
 
  public:
@@ -33,13 +31,6 @@ class IntersectionWindow : public ToolWindow {
   int16_t coefficientOn() const { return coefficientOn_; }
   double judgeValue() const { return judgeValue_; }
   const std::vector<double>& rootX() const { return rootX_; }
-
-  QGroupBox *Frame1, *Frame2, *Frame3, *Frame4, *Frame5, *Frame6;
-  QLineEdit *Text1, *Text2, *Text3, *Text4, *Text5, *Text6, *Text7;
-  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8, *Command9;
-  QCheckBox *Check1, *Check2, *Check3;
-  QListWidget* List1;
-  ChartWidget* Graph1;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

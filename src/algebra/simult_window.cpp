@@ -1,10 +1,6 @@
 // The Simultaneous Linear Equation window: the grid, the entry box and the five buttons.
 #include "algebra/simult_window.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
-
 namespace merida {
 namespace {
 
@@ -24,46 +20,7 @@ void UpperCaseAsTyped(QLineEdit* box) {
 }  // namespace
 
 SimultWindow::SimultWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
-  setObjectName("SimultWindow");
-  auto make = [this](auto*& member, const char* name) {
-    member = new std::remove_reference_t<decltype(*member)>(this);
-    member->setObjectName(name);
-  };
-  make(Label1, "Label1");
-  make(Label2, "Label2");
-  make(Label3, "Label3");
-  make(Text1, "Text1");
-  make(Text2, "Text2");
-  make(Command1, "Command1");
-  make(Command2, "Command2");
-  make(Command3, "Command3");
-  make(Command4, "Command4");
-  make(Command5, "Command5");
-  make(List1, "List1");
-  make(Grid1, "Grid1");
-
-  Text1->setMaximumWidth(60);
-  List1->setMinimumWidth(180);
-
-  auto* boxes = new QHBoxLayout;
-  boxes->addWidget(Label2);
-  boxes->addWidget(Text1);
-  boxes->addSpacing(16);
-  boxes->addWidget(Label3);
-  boxes->addWidget(Text2, 1);
-
-  auto* buttons = new QVBoxLayout;
-  for (QPushButton* b : {Command1, Command5, Command3, Command4, Command2}) buttons->addWidget(b);
-  buttons->addStretch();
-
-  auto* layout = new QGridLayout(this);
-  layout->addWidget(Label1, 0, 0, 1, 3);
-  layout->addLayout(boxes, 1, 0, 1, 3);
-  layout->addWidget(Grid1, 2, 0);
-  layout->addLayout(buttons, 2, 1);
-  layout->addWidget(List1, 2, 2);
-  layout->setColumnStretch(0, 3);
-  layout->setColumnStretch(2, 1);
+  setupUi(this);
 
   UpperCaseAsTyped(Text1);
   UpperCaseAsTyped(Text2);
@@ -80,7 +37,6 @@ SimultWindow::SimultWindow(Engine& engine, AppState& state, QWidget* parent) : T
   connect(Command4, &QPushButton::clicked, this, [this] { run(Inverse); });
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
 
-  resize(760, 420);
   openInMode(state.MatrixWindowMode);
 }
 
@@ -102,16 +58,9 @@ void SimultWindow::openInMode(int16_t mode) {
 }
 
 void SimultWindow::retranslate() {
+  retranslateUi(this);
   setWindowTitle(matrixMode() ? caption(QT_TR_NOOP("Determinant & Inverse Matrix"))
                               : caption(QT_TR_NOOP("Simultaneous Linear Equation")));
-  Label1->setText(caption(QT_TR_NOOP("a1X1 + a2X2 + a3X3 = c")));
-  Label2->setText(caption(QT_TR_NOOP("Dimension")));
-  Label3->setText(caption(QT_TR_NOOP("Input")));
-  Command1->setText(caption(QT_TR_NOOP("Go")));
-  Command5->setText(caption(QT_TR_NOOP("Simult")));
-  Command3->setText(caption(QT_TR_NOOP("Determinant")));
-  Command4->setText(caption(QT_TR_NOOP("Inverse Determi")));
-  Command2->setText(caption(QT_TR_NOOP("Close")));
   Grid1->setCellText(0, 0, caption(QT_TR_NOOP("Coeff")));
   // "Simult" stays Latin among Japanese captions: keep the buttons one height. The longest
   // caption gets a character's room besides, so that it does not run into the button's edge.

@@ -1,18 +1,14 @@
 // The Simultaneous Linear Equation window in its two modes: equations (Go, Simult) and matrix.
 #pragma once
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-
 #include "algebra/linear_system.h"
 #include "controls/grid_widget.h"
 #include "main/tool_window.h"
+#include "ui_simult_window.h"
 
 namespace merida {
 
-class SimultWindow : public ToolWindow {
+class SimultWindow : public ToolWindow, public Ui::SimultWindow {
   Q_OBJECT
 
  public:
@@ -28,19 +24,6 @@ class SimultWindow : public ToolWindow {
   bool matrixMode() const { return mode_ == kMatrixMode; }
   int systemOrder() const { return systemOrder_; }
   CellPosition currentCell() const { return current_; }
-
-  QLabel* Label1;
-  QLabel* Label2;
-  QLabel* Label3;
-  QLineEdit* Text1;
-  QLineEdit* Text2;
-  QPushButton* Command1;
-  QPushButton* Command2;
-  QPushButton* Command3;
-  QPushButton* Command4;
-  QPushButton* Command5;
-  QListWidget* List1;
-  GridWidget* Grid1;
 
  private:
   // A caption in the display language of the moment.

@@ -1,15 +1,12 @@
 // The Color Situation window: the colour scheme of the contour and surface drawings.
 #pragma once
 
-#include <QGroupBox>
-#include <QPushButton>
-#include <QRadioButton>
-
 #include "main/tool_window.h"
+#include "ui_color_window.h"
 
 namespace merida {
 
-class ColorWindow : public ToolWindow {
+class ColorWindow : public ToolWindow, public Ui::ColorWindow {
   Q_OBJECT
 
  public:
@@ -18,10 +15,6 @@ class ColorWindow : public ToolWindow {
   void retranslate() override;
   // Selects the option whose flag is 1 (called whenever the window is shown).
   void load();
-
-  QGroupBox* Frame1;
-  QRadioButton *Option1, *Option2, *Option3, *Option4, *Option5;
-  QPushButton* Command1;
 
  protected:
   void showEvent(QShowEvent* event) override;

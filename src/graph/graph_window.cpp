@@ -2,9 +2,6 @@
 #include "graph/graph_window.h"
 
 #include <QCloseEvent>
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 #include "graph/negative_function_window.h"
 #include "graph/parameter_window.h"
@@ -21,36 +18,7 @@ ChartWidget::Type ChartTypeOf(ChartType t) {
 
 GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
-  setObjectName("GraphWindow");
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Command5 = makeButton("Command5");
-  Command6 = makeButton("Command6");
-  Command7 = makeButton("Command7");
-  Command8 = makeButton("Command8");
-  Frame1 = makeBoxFrame("Frame1", Text1, "Text1");
-  Frame2 = makeBoxFrame("Frame2", Text2, "Text2");
-  Frame3 = makeBoxFrame("Frame3", Text3, "Text3");
-  Graph1 = new ChartWidget;
-  Graph1->setObjectName("Graph1");
-  Graph1->setMinimumSize(480, 360);
-
-  auto* side = new QVBoxLayout;
-  side->addWidget(Frame1);
-  side->addWidget(Frame2);
-  side->addWidget(Frame3);
-  side->addSpacing(8);
-  auto* buttons = new QGridLayout;
-  QPushButton* order[] = {Command1, Command5, Command3, Command4, Command6, Command8, Command7, Command2};
-  for (int k = 0; k < 8; ++k) buttons->addWidget(order[k], k / 2, k % 2);
-  side->addLayout(buttons);
-  side->addStretch(1);
-  auto* layout = new QHBoxLayout(this);
-  layout->addWidget(Graph1, 1);
-  layout->addLayout(side);
-  resize(760, 500);
+  setupUi(this);
 
   connect(Command1, &QPushButton::clicked, this, &GraphWindow::go);
   pressOnEnter({Text1, Text2, Text3}, Command1);
@@ -66,7 +34,6 @@ GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString(
   connect(Command7, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Command8, &QPushButton::clicked, this, [this] { statDataWindow()->open(); });
 
-  retranslate();
   Graph1->setGraphType(ChartWidget::Type::kLine);
   Graph1->setGridBothWays(true);
   Graph1->setDataSets(1);
@@ -74,20 +41,7 @@ GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString(
   prepare();
 }
 
-void GraphWindow::retranslate() {
-  setWindowTitle(tr("Graph"));
-  Command1->setText(tr("Go"));
-  Command2->setText(tr("Close"));
-  Command3->setText(tr("Log"));
-  Command4->setText(tr("Para"));
-  Command5->setText(tr("Pole"));
-  Command6->setText(tr("Nega"));
-  Command7->setText(tr("Print"));
-  Command8->setText(tr("Data"));
-  Frame1->setTitle(tr("Mini"));
-  Frame2->setTitle(tr("Max"));
-  Frame3->setTitle(tr("Num"));
-}
+void GraphWindow::retranslate() { retranslateUi(this); }
 
 void GraphWindow::prepare() {
   if (isHidden()) {

@@ -1,15 +1,13 @@
 // The Graph window: plots the main window's formula in normal, polar and parametric modes.
 #pragma once
 
-#include <QGroupBox>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <functional>
 
 #include "controls/chart_widget.h"
 #include "graph/graph_plot.h"
 #include "main/tool_window.h"
+#include "ui_graph_window.h"
 
 namespace merida {
 
@@ -17,7 +15,7 @@ class NegativeFunctionWindow;
 class ParameterWindow;
 class StatDataWindow;
 
-class GraphWindow : public ToolWindow {
+class GraphWindow : public ToolWindow, public Ui::GraphWindow {
   Q_OBJECT
 
  public:
@@ -35,11 +33,6 @@ class GraphWindow : public ToolWindow {
   ParameterWindow* parameterWindow();
   NegativeFunctionWindow* negativeFunctionWindow();
   StatDataWindow* statDataWindow();
-
-  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8;
-  QGroupBox *Frame1, *Frame2, *Frame3;
-  QLineEdit *Text1, *Text2, *Text3;
-  ChartWidget* Graph1;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -1,10 +1,7 @@
 // The Negative Function window.
 #include "graph/negative_function_window.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QPainter>
-#include <QVBoxLayout>
 #include <memory>
 
 #include "engine/number_text.h"
@@ -76,61 +73,16 @@ void SegmentPicture::paintEvent(QPaintEvent*) {
 NegativeFunctionWindow::NegativeFunctionWindow(Engine& engine, AppState& state,
                                                std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
-  setObjectName("NegativeFunctionWindow");
-  Picture1 = new SegmentPicture;
-  Picture1->setObjectName("Picture1");
-  Text1 = makeBox("Text1", "-5");
-  Text2 = makeBox("Text2", "5");
-  Text3 = makeBox("Text3", "50");
-  Text4 = makeBox("Text4", "-5");
-  Text5 = makeBox("Text5", "5");
-  Text6 = makeBox("Text6", "50");
-  Label3 = new QLabel;
-  Label3->setObjectName("Label3");
-  Label6 = new QLabel;
-  Label6->setObjectName("Label6");
-  Frame1 = makeRangeFrame("Frame1", Text1, Text2, Label3, Text3);
-  Frame2 = makeRangeFrame("Frame2", Text4, Text5, Label6, Text6);
-  Command1 = new QPushButton;
-  Command1->setObjectName("Command1");
-  Command2 = new QPushButton;
-  Command2->setObjectName("Command2");
-  Command3 = new QPushButton;
-  Command3->setObjectName("Command3");
-  Check1 = new QCheckBox;
-  Check1->setObjectName("Check1");
-
-  auto* side = new QVBoxLayout;
-  side->addWidget(Frame1);
-  side->addWidget(Frame2);
-  side->addWidget(Check1);
-  side->addStretch(1);
-  side->addWidget(Command1);
-  side->addWidget(Command3);
-  side->addWidget(Command2);
-  auto* layout = new QHBoxLayout(this);
-  layout->addWidget(Picture1, 1);
-  layout->addLayout(side);
+  setupUi(this);
 
   connect(Command1, &QPushButton::clicked, this, &NegativeFunctionWindow::plot);
   pressOnEnter({Text1, Text2, Text3, Text4, Text5, Text6}, Command1);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
   connect(Command3, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Check1, &QCheckBox::toggled, Picture1, &SegmentPicture::setPrintMode);
-  retranslate();
 }
 
-void NegativeFunctionWindow::retranslate() {
-  setWindowTitle(tr("Negative Function"));
-  Frame1->setTitle(tr("w Axis"));
-  Frame2->setTitle(tr("x Axis"));
-  Label3->setText(tr("Num"));
-  Label6->setText(tr("Num"));
-  Command1->setText(tr("Go"));
-  Command2->setText(tr("Close"));
-  Command3->setText(tr("Print"));
-  Check1->setText(tr("Print"));
-}
+void NegativeFunctionWindow::retranslate() { retranslateUi(this); }
 
 void NegativeFunctionWindow::plot() {
   if (jobRunning()) {

@@ -1,11 +1,7 @@
 // The Negative Function window: the implicit curve f(x, y) = 0 of the main window's formula.
 #pragma once
 
-#include <QCheckBox>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
+#include <QWidget>
 #include <functional>
 #include <vector>
 
@@ -35,7 +31,14 @@ class SegmentPicture : public QWidget {
   bool print_ = false;
 };
 
-class NegativeFunctionWindow : public ToolWindow {
+}  // namespace merida
+
+// After SegmentPicture, which the form's code constructs.
+#include "ui_negative_function_window.h"
+
+namespace merida {
+
+class NegativeFunctionWindow : public ToolWindow, public Ui::NegativeFunctionWindow {
   Q_OBJECT
 
  public:
@@ -45,17 +48,6 @@ class NegativeFunctionWindow : public ToolWindow {
   void retranslate() override;
   // Go: the grid, then the level-0 curve on Picture1.
   void plot();
-
-  SegmentPicture* Picture1;
-  QGroupBox* Frame1;
-  QGroupBox* Frame2;
-  QLineEdit *Text1, *Text2, *Text3, *Text4, *Text5, *Text6;
-  QLabel* Label3;
-  QLabel* Label6;
-  QPushButton* Command1;
-  QPushButton* Command2;
-  QPushButton* Command3;
-  QCheckBox* Check1;
 
  private:
   std::function<QString()> formula_;

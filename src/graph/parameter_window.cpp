@@ -1,10 +1,6 @@
 // The Parameter window.
 #include "graph/parameter_window.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
-
 namespace merida {
 namespace {
 
@@ -16,47 +12,13 @@ void SetCaptionColor(QGroupBox* frame, const QColor& color) {
   frame->setStyleSheet(QString("QGroupBox#%1 { color: %2; }").arg(frame->objectName(), color.name()));
 }
 
-QGroupBox* FormulaFrame(const char* name, QRadioButton*& option, QLineEdit*& text, const char* optionName,
-                        const char* textName) {
-  auto* frame = new QGroupBox;
-  frame->setObjectName(name);
-  option = new QRadioButton;
-  option->setObjectName(optionName);
-  // The two options sit in different frames; the window keeps exactly one of them set.
-  option->setAutoExclusive(false);
-  text = new QLineEdit;
-  text->setObjectName(textName);
-  text->setMinimumWidth(320);
-  auto* row = new QHBoxLayout(frame);
-  row->addWidget(option);
-  row->addWidget(text, 1);
-  return frame;
-}
-
 }  // namespace
 
 ParameterWindow::ParameterWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent) {
-  setObjectName("ParameterWindow");
-  Frame1 = FormulaFrame("Frame1", Option1, Text1, "Option1", "Text1");
-  Frame2 = FormulaFrame("Frame2", Option2, Text2, "Option2", "Text2");
-  Command1 = new QPushButton;
-  Command1->setObjectName("Command1");
-  Command2 = new QPushButton;
-  Command2->setObjectName("Command2");
-  Command3 = new QPushButton;
-  Command3->setObjectName("Command3");
+  setupUi(this);
 
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  buttons->addWidget(Command1);
-  buttons->addWidget(Command2);
-  buttons->addWidget(Command3);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Frame1);
-  layout->addWidget(Frame2);
-  layout->addLayout(buttons);
-
+  // The options sit in different frames and are not auto-exclusive: activate() keeps one set.
   connect(Option1, &QRadioButton::clicked, this, [this] { activate(1); });
   connect(Option2, &QRadioButton::clicked, this, [this] { activate(2); });
   connect(Text1, &QLineEdit::textChanged, this, [this] { activate(1); });
@@ -72,17 +34,9 @@ ParameterWindow::ParameterWindow(Engine& engine, AppState& state, QWidget* paren
     state_.GraphMode = 1;
     close();
   });
-  retranslate();
 }
 
-void ParameterWindow::retranslate() {
-  setWindowTitle(tr("Parameter"));
-  Frame1->setTitle(tr("w Axis"));
-  Frame2->setTitle(tr("x Axis"));
-  Command1->setText(tr("List"));
-  Command2->setText(tr("Clear"));
-  Command3->setText(tr("Close"));
-}
+void ParameterWindow::retranslate() { retranslateUi(this); }
 
 void ParameterWindow::activate(int box) {
   state_.ActiveParameterBox = static_cast<int16_t>(box);

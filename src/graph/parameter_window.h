@@ -1,17 +1,14 @@
 // The Parameter window: the two formulas of a parametric plot.
 #pragma once
 
-#include <QGroupBox>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
 #include <functional>
 
 #include "main/tool_window.h"
+#include "ui_parameter_window.h"
 
 namespace merida {
 
-class ParameterWindow : public ToolWindow {
+class ParameterWindow : public ToolWindow, public Ui::ParameterWindow {
   Q_OBJECT
 
  public:
@@ -28,16 +25,6 @@ class ParameterWindow : public ToolWindow {
   void insertFunction(const QString& text);
   // What List opens; the application supplies its function list window.
   void setFunctionListOpener(std::function<void()> open) { openList_ = std::move(open); }
-
-  QGroupBox* Frame1;
-  QGroupBox* Frame2;
-  QLineEdit* Text1;
-  QLineEdit* Text2;
-  QRadioButton* Option1;
-  QRadioButton* Option2;
-  QPushButton* Command1;
-  QPushButton* Command2;
-  QPushButton* Command3;
 
  private:
   void activate(int box);

@@ -4,12 +4,9 @@
 #include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QFileDialog>
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QMenu>
 #include <QMessageBox>
 #include <QShortcut>
-#include <QVBoxLayout>
 
 #include "engine/number_text.h"
 
@@ -52,47 +49,15 @@ void ContourMapWidget::contextMenuEvent(QContextMenuEvent* event) {
 
 AxisAngleWindow::AxisAngleWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent) {
-  setObjectName("AxisAngleWindow");
-  Frame1 = new QGroupBox;
-  Frame1->setObjectName("Frame1");
-  Text1 = makeBox("Text1");
-  Text2 = makeBox("Text2");
-  QLabel** labels[] = {&Label1, &Label2, &Label3};
-  for (int k = 0; k < 3; ++k) {
-    *labels[k] = new QLabel;
-    (*labels[k])->setObjectName(QStringLiteral("Label%1").arg(k + 1));
-  }
-  auto* grid = new QGridLayout(Frame1);
-  grid->addWidget(Label1, 0, 0);
-  grid->addWidget(Text1, 0, 1);
-  grid->addWidget(Label2, 1, 0);
-  grid->addWidget(Text2, 1, 1);
-  grid->addWidget(Label3, 0, 2, 2, 1);
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  auto* buttons = new QHBoxLayout;
-  buttons->addWidget(Command1);
-  buttons->addWidget(Command2);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Frame1);
-  layout->addLayout(buttons);
+  setupUi(this);
 
   connect(Command1, &QPushButton::clicked, this, &AxisAngleWindow::decide);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
   pressOnEnter({Text1, Text2}, Command1);
-  retranslate();
   load();
 }
 
-void AxisAngleWindow::retranslate() {
-  setWindowTitle(tr("Axis Angle"));
-  Frame1->setTitle(tr("Angle"));
-  Label1->setText(tr("Xaxis"));
-  Label2->setText(tr("Yaxis"));
-  Label3->setText(tr("Deg"));
-  Command1->setText(tr("Decide"));
-  Command2->setText(tr("Close"));
-}
+void AxisAngleWindow::retranslate() { retranslateUi(this); }
 
 void AxisAngleWindow::load() {
   Text1->setText(QString::fromStdString(PlainText(state_.ViewAngleX)));
@@ -115,33 +80,17 @@ void AxisAngleWindow::closeEvent(QCloseEvent* event) {
 
 ContourMapWindow::ContourMapWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent) {
-  setObjectName("ContourMapWindow");
-  Picture1 = new ContourMapWidget;
-  Picture1->setObjectName("Picture1");
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  Command3 = makeButton("Command3");
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  for (QPushButton* b : {Command3, Command2, Command1}) buttons->addWidget(b);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Picture1, 1);
-  layout->addLayout(buttons);
-  resize(560, 600);
+  setupUi(this);
 
   connect(Command1, &QPushButton::clicked, this, &QWidget::close);
   connect(Command2, &QPushButton::clicked, this, &ContourMapWindow::openAngle);
   connect(Command3, &QPushButton::clicked, this, &ContourMapWindow::print);
   connect(Picture1, &ContourMapWidget::saveRequested, this, &ContourMapWindow::askAndSave);
   connect(new QShortcut(QKeySequence::Save, this), &QShortcut::activated, this, &ContourMapWindow::askAndSave);
-  retranslate();
 }
 
 void ContourMapWindow::retranslate() {
-  setWindowTitle(tr("Contour Map"));
-  Command1->setText(tr("Close"));
-  Command2->setText(tr("Angle"));
-  Command3->setText(tr("Print"));
+  retranslateUi(this);
   if (angle_) angle_->retranslate();
 }
 

@@ -1,11 +1,8 @@
 // The Contour Map window, its drawing surface and the Axis Angle dialog.
 #pragma once
 
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
+#include <QWidget>
 
 #include "contour/contour_paint.h"
 #include "contour/contour_scene.h"
@@ -41,7 +38,15 @@ class ContourMapWidget : public QWidget {
   bool print_ = false;
 };
 
-class AxisAngleWindow : public ToolWindow {
+}  // namespace merida
+
+// After ContourMapWidget, which the map's form constructs.
+#include "ui_axis_angle_window.h"
+#include "ui_contour_map_window.h"
+
+namespace merida {
+
+class AxisAngleWindow : public ToolWindow, public Ui::AxisAngleWindow {
   Q_OBJECT
 
  public:
@@ -51,11 +56,6 @@ class AxisAngleWindow : public ToolWindow {
   // The boxes show the angles in force.
   void load();
 
-  QGroupBox* Frame1;
-  QLabel *Label1, *Label2, *Label3;
-  QLineEdit *Text1, *Text2;
-  QPushButton *Command1, *Command2;
-
  protected:
   // Closing forgets what was typed and leaves a running drawing alone.
   void closeEvent(QCloseEvent* event) override;
@@ -64,7 +64,7 @@ class AxisAngleWindow : public ToolWindow {
   void decide();
 };
 
-class ContourMapWindow : public ToolWindow {
+class ContourMapWindow : public ToolWindow, public Ui::ContourMapWindow {
   Q_OBJECT
 
  public:
@@ -77,9 +77,6 @@ class ContourMapWindow : public ToolWindow {
   AxisAngleWindow* angleWindow() const { return angle_; }
   // PNG, or SVG by the name's extension, of the drawing as shown; false when not written.
   FileResult saveImage(const QString& path) const;
-
-  ContourMapWidget* Picture1;
-  QPushButton *Command1, *Command2, *Command3;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

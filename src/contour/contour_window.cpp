@@ -2,8 +2,7 @@
 #include "contour/contour_window.h"
 
 #include <QCloseEvent>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
+#include <utility>
 
 #include "contour/contour_plot.h"
 #include "graph/color_window.h"
@@ -14,17 +13,11 @@ namespace {
 
 std::string Text(const QLineEdit* box) { return box->text().toStdString(); }
 
-QLabel* NamedLabel(const char* name) {
-  auto* label = new QLabel;
-  label->setObjectName(QString::fromLatin1(name));
-  return label;
-}
-
 }  // namespace
 
 ContourWindow::ContourWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
-  setObjectName("ContourWindow");
+  setupUi(this);
   state_.ColorMode = -1;
   state_.Colors = ColorScheme{};
   state_.ViewAngleX = ViewAngles{}.x;
@@ -32,50 +25,11 @@ ContourWindow::ContourWindow(Engine& engine, AppState& state, std::function<QStr
 
   const GridBoxes grid = OpeningGridBoxes();
   const LevelBoxes levels = OpeningLevelBoxes();
-  Text1 = makeBox("Text1", grid.xMin.c_str());
-  Text2 = makeBox("Text2", grid.xMax.c_str());
-  Text3 = makeBox("Text3", grid.xDivisions.c_str());
-  Text4 = makeBox("Text4", grid.yMin.c_str());
-  Text5 = makeBox("Text5", grid.yMax.c_str());
-  Text6 = makeBox("Text6", grid.yDivisions.c_str());
-  Text7 = makeBox("Text7", levels.lowest.c_str());
-  Text8 = makeBox("Text8", levels.highest.c_str());
-  Text9 = makeBox("Text9", levels.step.c_str());
-  Label1 = NamedLabel("Label1");
-  Label2 = NamedLabel("Label2");
-  Label3 = NamedLabel("Label3");
-  Label5 = NamedLabel("Label5");
-  Label5->setMinimumWidth(120);
-  Frame1 = makeRangeFrame("Frame1", Text1, Text2, Label1, Text3);
-  Frame2 = makeRangeFrame("Frame2", Text4, Text5, Label2, Text6);
-  Frame3 = makeRangeFrame("Frame3", Text7, Text8, Label3, Text9);
-  Frame4 = new QGroupBox;
-  Frame4->setObjectName("Frame4");
-  (new QVBoxLayout(Frame4))->addWidget(Label5);
-
-  Command1 = makeButton("Command1");
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Command5 = makeButton("Command5");
-  Command6 = makeButton("Command6");
-  Command2 = makeButton("Command2");
-  Check1 = new QCheckBox;
-  Check1->setObjectName("Check1");
-  Check2 = new QCheckBox;
-  Check2->setObjectName("Check2");
-
-  auto* frames = new QVBoxLayout;
-  for (QGroupBox* f : {Frame1, Frame2, Frame3, Frame4}) frames->addWidget(f);
-  frames->addStretch(1);
-  auto* side = new QVBoxLayout;
-  for (QPushButton* b : {Command1, Command3, Command4, Command5, Command6}) side->addWidget(b);
-  side->addWidget(Check1);
-  side->addWidget(Check2);
-  side->addStretch(1);
-  side->addWidget(Command2);
-  auto* layout = new QHBoxLayout(this);
-  layout->addLayout(frames);
-  layout->addLayout(side);
+  const std::pair<QLineEdit*, std::string> opening[] = {
+      {Text1, grid.xMin},     {Text2, grid.xMax},      {Text3, grid.xDivisions},
+      {Text4, grid.yMin},     {Text5, grid.yMax},      {Text6, grid.yDivisions},
+      {Text7, levels.lowest}, {Text8, levels.highest}, {Text9, levels.step}};
+  for (const auto& [box, text] : opening) box->setText(QString::fromStdString(text));
 
   connect(Command1, &QPushButton::clicked, this, &ContourWindow::calc);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
@@ -89,26 +43,10 @@ ContourWindow::ContourWindow(Engine& engine, AppState& state, std::function<QStr
   });
   pressOnEnter({Text1, Text2, Text3, Text4, Text5, Text6}, Command1);
   pressOnEnter({Text7, Text8, Text9}, Command3);
-  retranslate();
 }
 
 void ContourWindow::retranslate() {
-  setWindowTitle(tr("Contour"));
-  Command1->setText(tr("Calc"));
-  Command2->setText(tr("Close"));
-  Command3->setText(tr("Plot"));
-  Command4->setText(tr("Cube"));
-  Command5->setText(tr("Hide"));
-  Command6->setText(tr("Color"));
-  Check1->setText(tr("Color"));
-  Check2->setText(tr("Print"));
-  Frame1->setTitle(tr("X Axis"));
-  Frame2->setTitle(tr("Y Axis"));
-  Frame3->setTitle(tr("Plot Institute"));
-  Frame4->setTitle(tr("Min Max"));
-  Label1->setText(tr("Num"));
-  Label2->setText(tr("Num"));
-  Label3->setText(tr("Dist"));
+  retranslateUi(this);
   if (map_) map_->retranslate();
 }
 

@@ -1,12 +1,7 @@
 // The Contour window: the grid of the main window's formula and its three drawings.
 #pragma once
 
-#include <QCheckBox>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <functional>
 #include <optional>
 
@@ -14,10 +9,11 @@
 #include "contour/contour_map_window.h"
 #include "contour/contour_scene.h"
 #include "main/tool_window.h"
+#include "ui_contour_window.h"
 
 namespace merida {
 
-class ContourWindow : public ToolWindow {
+class ContourWindow : public ToolWindow, public Ui::ContourWindow {
   Q_OBJECT
 
  public:
@@ -30,12 +26,6 @@ class ContourWindow : public ToolWindow {
   bool hasGrid() const { return grid_.has_value(); }
   // The Contour Map window, once a drawing button has opened it.
   ContourMapWindow* mapWindow() const { return map_; }
-
-  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6;
-  QCheckBox *Check1, *Check2;
-  QGroupBox *Frame1, *Frame2, *Frame3, *Frame4;
-  QLineEdit *Text1, *Text2, *Text3, *Text4, *Text5, *Text6, *Text7, *Text8, *Text9;
-  QLabel *Label1, *Label2, *Label3, *Label5;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

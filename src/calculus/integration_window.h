@@ -1,15 +1,13 @@
 // The Integration window and its Double Integration window; answers go to the main window.
 #pragma once
 
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <functional>
 
 #include "calculus/integration.h"
 #include "main/tool_window.h"
+#include "ui_double_integration_window.h"
+#include "ui_integration_window.h"
 
 namespace merida {
 
@@ -19,7 +17,7 @@ struct MainFormula {
   std::function<void(const QString&)> answer;
 };
 
-class DoubleIntegrationWindow : public ToolWindow {
+class DoubleIntegrationWindow : public ToolWindow, public Ui::DoubleIntegrationWindow {
   Q_OBJECT
 
  public:
@@ -30,11 +28,6 @@ class DoubleIntegrationWindow : public ToolWindow {
   void load(const QString& first, const QString& second);
   bool running() const;
 
-  QPushButton *Command1, *Command2;
-  QGroupBox *Frame1, *Frame2, *Frame3, *Frame4, *Frame5, *Frame6, *Frame7, *Frame8;
-  QLabel *Label1, *Label2;
-  QLineEdit *Text1, *Text2, *Text3, *Text4, *Text5, *Text6;
-
  protected:
   void closeEvent(QCloseEvent* event) override;
 
@@ -44,7 +37,7 @@ class DoubleIntegrationWindow : public ToolWindow {
   MainFormula main_;
 };
 
-class IntegrationWindow : public ToolWindow {
+class IntegrationWindow : public ToolWindow, public Ui::IntegrationWindow {
   Q_OBJECT
 
  public:
@@ -54,10 +47,6 @@ class IntegrationWindow : public ToolWindow {
   bool running() const;
   // The Double Integration window, once Double has opened it.
   DoubleIntegrationWindow* doubleWindow() const { return double_; }
-
-  QPushButton *Command1, *Command2, *Command3;
-  QGroupBox *Frame1, *Frame2, *Frame3;
-  QLineEdit *Text1, *Text2, *Text3;
 
  protected:
   void closeEvent(QCloseEvent* event) override;

@@ -4,12 +4,10 @@
 #include <QAudioDevice>
 #include <QDir>
 #include <QFile>
-#include <QHBoxLayout>
 #include <QMediaDevices>
 #include <QSignalBlocker>
 #include <QSoundEffect>
 #include <QUrl>
-#include <QVBoxLayout>
 #include <filesystem>
 
 #include "signal/wave_maker.h"
@@ -18,41 +16,7 @@ namespace merida {
 
 WaveWindow::WaveWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
-  setObjectName("WaveWindow");
-  Frame1 = new QGroupBox;
-  Frame1->setObjectName("Frame1");
-  Text1 = new QLineEdit;
-  Text1->setObjectName("Text1");
-  Text2 = new QLineEdit;
-  Text2->setObjectName("Text2");
-  Label1 = new QLabel(QStringLiteral("～"));
-  Label1->setObjectName("Label1");
-  Label2 = new QLabel;
-  Label2->setObjectName("Label2");
-  for (QLineEdit* box : {Text1, Text2}) box->setMaximumWidth(110);
-  auto* time = new QHBoxLayout(Frame1);
-  time->setContentsMargins(6, 2, 6, 4);
-  time->addWidget(Text1);
-  time->addWidget(Label1);
-  time->addWidget(Text2);
-  time->addWidget(Label2);
-  Frame2 = makeBoxFrame("Frame2", Text3, "Text3");
-  Text3->setMaximumWidth(QWIDGETSIZE_MAX);  // a file name, not a number
-  Check1 = new QCheckBox;
-  Check1->setObjectName("Check1");
-  Command1 = makeButton("Command1");
-  Command3 = makeButton("Command3");
-  Command2 = makeButton("Command2");
-
-  auto* buttons = new QHBoxLayout;
-  for (QPushButton* b : {Command1, Command3, Command2}) buttons->addWidget(b);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(Frame1);
-  layout->addWidget(Frame2);
-  layout->addWidget(Check1);
-  layout->addLayout(buttons);
-  layout->addStretch(1);
-
+  setupUi(this);
   connect(Command1, &QPushButton::clicked, this, &WaveWindow::go);
   connect(Command3, &QPushButton::clicked, this, &WaveWindow::test);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
@@ -62,19 +26,9 @@ WaveWindow::WaveWindow(Engine& engine, AppState& state, std::function<QString()>
     Check1->setChecked(format_ == 1);
   });
   pressOnEnter({Text1, Text2, Text3}, Command1);
-  retranslate();
 }
 
-void WaveWindow::retranslate() {
-  setWindowTitle(tr("WAVE File Make"));
-  Frame1->setTitle(tr("Time"));
-  Label2->setText(tr("sec"));
-  Frame2->setTitle(tr("File Name"));
-  Check1->setText(tr("MERIDA"));
-  Command1->setText(tr("Go"));
-  Command3->setText(tr("Test"));
-  Command2->setText(tr("Close"));
-}
+void WaveWindow::retranslate() { retranslateUi(this); }
 
 void WaveWindow::go() {
   if (jobRunning()) {

@@ -1,21 +1,17 @@
 // The WAVE File Make window: the main formula sampled into a WAVE or MERIDA text file.
 #pragma once
 
-#include <QCheckBox>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QString>
 #include <functional>
 
 #include "main/tool_window.h"
+#include "ui_wave_window.h"
 
 class QSoundEffect;
 
 namespace merida {
 
-class WaveWindow : public ToolWindow {
+class WaveWindow : public ToolWindow, public Ui::WaveWindow {
   Q_OBJECT
 
  public:
@@ -28,12 +24,6 @@ class WaveWindow : public ToolWindow {
   // The full path Test plays; empty until a file is written.
   const QString& lastWritten() const { return lastWritten_; }
   bool running() const;
-
-  QGroupBox *Frame1, *Frame2;
-  QLineEdit *Text1, *Text2, *Text3;
-  QLabel *Label1, *Label2;
-  QCheckBox* Check1;
-  QPushButton *Command1, *Command2, *Command3;
 
  private:
   void go();

@@ -1,14 +1,11 @@
 // The FFT window: controls wired to signal/frequency; Continue plays its frames on the chart.
 #include "signal/fft_window.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QSignalBlocker>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <utility>
-#include <QVBoxLayout>
 
 #include "signal/spectrum3d_window.h"
 #include "stats/stat_data_window.h"
@@ -17,61 +14,7 @@ namespace merida {
 
 FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)), analysis_(engine, state) {
-  setObjectName("FftWindow");
-  Text1 = makeBox("Text1", "0");
-  Text2 = makeBox("Text2", "1");
-  Text3 = makeBox("Text3", "128");
-  Label2 = new QLabel;
-  Label2->setObjectName("Label2");
-  Frame1 = makeRangeFrame("Frame1", Text1, Text2, Label2, Text3);
-  auto makeCheck = [this](const char* name) {
-    auto* check = new QCheckBox(this);
-    check->setObjectName(QString::fromLatin1(name));
-    return check;
-  };
-  Check1 = makeCheck("Check1");
-  Check2 = makeCheck("Check2");
-  Check3 = makeCheck("Check3");
-  Check4 = makeCheck("Check4");
-  Command1 = makeButton("Command1");
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Command5 = makeButton("Command5");
-  Command7 = makeButton("Command7");
-  Command6 = makeButton("Command6");
-  Command8 = makeButton("Command8");
-  Command2 = makeButton("Command2");
-  Label3 = new QLabel;
-  Label3->setObjectName("Label3");
-  Label3->setFrameShape(QFrame::Panel);
-  Label3->setFrameShadow(QFrame::Sunken);
-  Graph1 = new ChartWidget;
-  Graph1->setObjectName("Graph1");
-  Graph1->setMinimumSize(480, 340);
-
-  auto* checks = new QGridLayout;
-  checks->addWidget(Check1, 0, 0);
-  checks->addWidget(Check2, 0, 1);
-  checks->addWidget(Check3, 1, 0);
-  checks->addWidget(Check4, 1, 1);
-  auto* buttons = new QGridLayout;
-  // 3D last: while it is hidden it leaves no gap between the others.
-  QPushButton* order[] = {Command1, Command3, Command4, Command5, Command8, Command6, Command2, Command7};
-  for (int k = 0; k < 8; ++k) buttons->addWidget(order[k], k / 2, k % 2);
-  auto* side = new QVBoxLayout;
-  side->addWidget(Frame1);
-  side->addLayout(checks);
-  side->addSpacing(6);
-  side->addLayout(buttons);
-  side->addStretch(1);
-  auto* chart = new QVBoxLayout;
-  chart->addWidget(Graph1, 1);
-  chart->addWidget(Label3);
-  auto* layout = new QHBoxLayout(this);
-  layout->addLayout(chart, 1);
-  layout->addLayout(side);
-  resize(800, 480);
-
+  setupUi(this);
   connect(Command1, &QPushButton::clicked, this, &FftWindow::go);
   connect(Command3, &QPushButton::clicked, this, [this] { display(Command3, FftShow::kFourier); });
   connect(Command4, &QPushButton::clicked, this, [this] { display(Command4, FftShow::kPower); });
@@ -91,8 +34,8 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   connect(Check4, &QCheckBox::clicked, this, [this] { tickMode(Check4, Check3); });
   pressOnEnter({Text1, Text2, Text3}, Command1);
 
-  retranslate();
   tickSource(Check1, Check2);
+  // 3D is last in its grid: while hidden it leaves no gap between the others.
   Command7->hide();
   Command7->setEnabled(false);
   Graph1->setGraphType(ChartWidget::Type::kLine);
@@ -101,22 +44,7 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   Graph1->draw();
 }
 
-void FftWindow::retranslate() {
-  setWindowTitle(QStringLiteral("ＦＦＴ"));
-  Label2->setText(tr("Num"));
-  Check1->setText(QStringLiteral("WAVE"));
-  Check2->setText(QStringLiteral("MRD"));
-  Check3->setText(tr("Average"));
-  Check4->setText(tr("Continue"));
-  Command1->setText(tr("Go"));
-  Command3->setText(tr("Fourier"));
-  Command4->setText(tr("Power"));
-  Command5->setText(tr("Self Corr"));
-  Command7->setText(QStringLiteral("3D"));
-  Command6->setText(tr("Print"));
-  Command8->setText(tr("Data"));
-  Command2->setText(tr("Close"));
-}
+void FftWindow::retranslate() { retranslateUi(this); }
 
 FftSource FftWindow::source() const {
   return Check1->isChecked() ? FftSource::kWave : Check2->isChecked() ? FftSource::kMerida : FftSource::kFormula;

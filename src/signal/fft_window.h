@@ -1,24 +1,20 @@
 // The FFT window: a formula or the recorded data as Fourier coefficients, power or autocorrelation.
 #pragma once
 
-#include <QCheckBox>
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
 #include <QPointer>
-#include <QPushButton>
 #include <functional>
 
 #include "controls/chart_widget.h"
 #include "main/tool_window.h"
 #include "signal/frequency.h"
+#include "ui_fft_window.h"
 
 namespace merida {
 
 class SpectrumWindow;
 class StatDataWindow;
 
-class FftWindow : public ToolWindow {
+class FftWindow : public ToolWindow, public Ui::FftWindow {
   Q_OBJECT
 
  public:
@@ -31,13 +27,6 @@ class FftWindow : public ToolWindow {
   bool running() const { return jobRunning(); }
   StatDataWindow* statDataWindow();
   SpectrumWindow* spectrumWindow();
-
-  QGroupBox* Frame1;
-  QLineEdit *Text1, *Text2, *Text3;
-  QLabel *Label2, *Label3;
-  QCheckBox *Check1, *Check2, *Check3, *Check4;
-  QPushButton *Command1, *Command2, *Command3, *Command4, *Command5, *Command6, *Command7, *Command8;
-  ChartWidget* Graph1;
 
  private:
   void go();

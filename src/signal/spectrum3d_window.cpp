@@ -1,11 +1,9 @@
 // The Time Continuous Spectrum window: the matrix comes from the FFT window's 3D button.
 #include "signal/spectrum3d_window.h"
 
-#include <QHBoxLayout>
 #include <QLinearGradient>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
-#include <QVBoxLayout>
 #include <QtDataVisualization/Q3DCamera>
 #include <QtDataVisualization/Q3DScene>
 #include <QtDataVisualization/Q3DTheme>
@@ -43,11 +41,7 @@ bool OpenGlAvailable() {
 
 SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent) {
-  setObjectName("SpectrumWindow");
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-
-  auto* layout = new QVBoxLayout(this);
+  setupUi(this);
   if (OpenGlAvailable()) {
     graph_ = new Q3DSurface;
     if (graph_->hasContext()) {
@@ -83,16 +77,11 @@ SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
     NoGraphics->setAlignment(Qt::AlignCenter);
     NoGraphics->setWordWrap(true);
     NoGraphics->setMinimumSize(480, 320);
-    layout->addWidget(NoGraphics, 1);
+    windowLayout->insertWidget(0, NoGraphics, 1);
   } else {
     Container->setMinimumSize(480, 320);
-    layout->addWidget(Container, 1);
+    windowLayout->insertWidget(0, Container, 1);
   }
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  for (QPushButton* b : {Command1, Command2}) buttons->addWidget(b);
-  layout->addLayout(buttons);
-  resize(680, 520);
 
   connect(Command1, &QPushButton::clicked, this, &SpectrumWindow::print);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
@@ -100,9 +89,7 @@ SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
 }
 
 void SpectrumWindow::retranslate() {
-  setWindowTitle(tr("Time Continuous Spectrum"));
-  Command1->setText(tr("Print"));
-  Command2->setText(tr("Close"));
+  retranslateUi(this);
   if (NoGraphics) NoGraphics->setText(tr("The surface cannot be drawn: OpenGL is not available here."));
   if (graph_) {
     graph_->axisX()->setTitle(tr("Frequency"));

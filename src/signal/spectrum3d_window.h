@@ -2,12 +2,12 @@
 #pragma once
 
 #include <QLabel>
-#include <QPushButton>
 #include <QtDataVisualization/Q3DSurface>
 #include <QtDataVisualization/QSurfaceDataArray>
 #include <vector>
 
 #include "main/tool_window.h"
+#include "ui_spectrum3d_window.h"
 
 namespace merida {
 
@@ -18,7 +18,7 @@ QSurfaceDataArray* SurfaceRows(const std::vector<std::vector<float>>& matrix);
 // Whether this session can draw with OpenGL at all; a surface without a context would crash.
 bool OpenGlAvailable();
 
-class SpectrumWindow : public ToolWindow {
+class SpectrumWindow : public ToolWindow, public Ui::SpectrumWindow {
   Q_OBJECT
 
  public:
@@ -28,7 +28,7 @@ class SpectrumWindow : public ToolWindow {
   // Rows are frames, columns frequency points, values in percent.
   void setMatrix(const std::vector<std::vector<float>>& matrix);
 
-  QPushButton *Command1, *Command2;
+  // Made in code: which of the two the window has depends on OpenGL at run time.
   QLabel* NoGraphics = nullptr;       // shown instead of the surface when there is no OpenGL
   QWidget* Container = nullptr;       // holds the surface when there is
   QSurface3DSeries* series() const { return series_; }

@@ -8,25 +8,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QFileSystemModel>
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QMessageBox>
 #include <QSignalBlocker>
 #include <QStorageInfo>
-#include <QVBoxLayout>
 
 #include "signal/data_files.h"
 #include "signal/file_display_window.h"
 
 namespace merida {
 namespace {
-
-QLineEdit* Box(const char* name) {
-  auto* box = new QLineEdit;
-  box->setObjectName(name);
-  box->setReadOnly(true);  // what a load found; Load reads the chosen file, never this text
-  return box;
-}
 
 // A drive is ready when its directory can be listed. The mount table's own idea of readiness
 // is not used: inside a chroot or container it may know nothing of a perfectly good directory.
@@ -39,56 +29,18 @@ bool Readable(const QString& root) {
 }  // namespace
 
 LoadWindow::LoadWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
-  setObjectName("LoadWindow");
-  Drive1 = new QComboBox;
-  Drive1->setObjectName("Drive1");
+  setupUi(this);
+  // The first scroll to the directory comes before the layout sizes the tree and before its branch
+  // has loaded: at a new window's size (640 x 480) it leaves the tree at its top, where it opens.
+  Dir1->resize(640, 480);
   dirs_ = new QFileSystemModel(this);
   dirs_->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot | QDir::Hidden);
-  Dir1 = new QTreeView;
-  Dir1->setObjectName("Dir1");
   Dir1->setModel(dirs_);
-  Dir1->setHeaderHidden(true);
   for (int column = 1; column < dirs_->columnCount(); ++column) Dir1->hideColumn(column);
   files_ = new QFileSystemModel(this);
   files_->setFilter(QDir::Files | QDir::Hidden);
   files_->setNameFilterDisables(false);  // a file the pattern leaves out is not listed at all
-  File1 = new QListView;
-  File1->setObjectName("File1");
   File1->setModel(files_);
-  Check1 = new QCheckBox;
-  Check1->setObjectName("Check1");
-  Text1 = Box("Text1");
-  Text2 = Box("Text2");
-  Text3 = Box("Text3");
-  Text4 = Box("Text4");
-  Label1 = new QLabel(QStringLiteral("～"));
-  Label1->setObjectName("Label1");
-  Command1 = makeButton("Command1");
-  Command3 = makeButton("Command3");
-  Command2 = makeButton("Command2");
-
-  auto* lists = new QGridLayout;
-  lists->addWidget(Drive1, 0, 0);
-  lists->addWidget(Dir1, 1, 0);
-  lists->addWidget(Check1, 0, 1);
-  lists->addWidget(File1, 1, 1);
-  lists->setColumnStretch(0, 1);
-  lists->setColumnStretch(1, 1);
-  auto* range = new QHBoxLayout;
-  range->addWidget(Text2);
-  range->addSpacing(12);
-  range->addWidget(Text3);
-  range->addWidget(Label1);
-  range->addWidget(Text4);
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  for (QPushButton* b : {Command1, Command3, Command2}) buttons->addWidget(b);
-  auto* layout = new QVBoxLayout(this);
-  layout->addLayout(lists, 1);
-  layout->addWidget(Text1);
-  layout->addLayout(range);
-  layout->addLayout(buttons);
-  resize(560, 420);
 
   // The model reads directories in the background: show the path once its branch is there.
   connect(dirs_, &QFileSystemModel::directoryLoaded, this, [this](const QString& loaded) {
@@ -109,7 +61,6 @@ LoadWindow::LoadWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   connect(Command3, &QPushButton::clicked, this, &LoadWindow::graph);
   connect(Command2, &QPushButton::clicked, this, &QWidget::close);
 
-  retranslate();
   state_.Records.kind = NoData;
   applyPattern();
   fillDrives();
@@ -117,13 +68,7 @@ LoadWindow::LoadWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   setDirPath(QDir::currentPath());
 }
 
-void LoadWindow::retranslate() {
-  setWindowTitle(tr("Load", "window"));
-  Check1->setText(tr("Select"));
-  Command1->setText(tr("Load", "button"));
-  Command2->setText(tr("Close"));
-  Command3->setText(tr("Graph"));
-}
+void LoadWindow::retranslate() { retranslateUi(this); }
 
 void LoadWindow::fillDrives() {
   QSignalBlocker block(Drive1);

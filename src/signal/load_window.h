@@ -1,17 +1,11 @@
 // The Load window: picks a data file from the file system and reads it into the record table.
 #pragma once
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListView>
 #include <QPointer>
-#include <QPushButton>
 #include <QString>
-#include <QTreeView>
 
 #include "main/tool_window.h"
+#include "ui_load_window.h"
 
 class QFileSystemModel;
 
@@ -20,7 +14,7 @@ namespace merida {
 class FileDisplayWindow;
 struct LoadResult;
 
-class LoadWindow : public ToolWindow {
+class LoadWindow : public ToolWindow, public Ui::LoadWindow {
   Q_OBJECT
 
  public:
@@ -39,14 +33,6 @@ class LoadWindow : public ToolWindow {
   bool loading() const { return jobRunning(); }
   // The File Display window Graph opens; null until then.
   FileDisplayWindow* fileDisplayWindow() const;
-
-  QComboBox* Drive1;
-  QTreeView* Dir1;
-  QListView* File1;
-  QCheckBox* Check1;
-  QLineEdit *Text1, *Text2, *Text3, *Text4;
-  QLabel* Label1;
-  QPushButton *Command1, *Command2, *Command3;
 
  private:
   void fillDrives();

@@ -1,9 +1,6 @@
 // The Statistical Data window.
 #include "stats/stat_data_window.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 #include <filesystem>
 #include <system_error>
 
@@ -11,42 +8,7 @@ namespace merida {
 
 StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
     : ToolWindow(engine, state, parent) {
-  setObjectName("StatDataWindow");
-  auto box = [](const char* name) {
-    auto* b = new QLineEdit;
-    b->setObjectName(name);
-    return b;
-  };
-  Label1 = makeLabel("Label1");
-  Label2 = makeLabel("Label2");
-  Label3 = makeLabel("Label3");
-  Text1 = box("Text1");
-  Text2 = box("Text2");
-  Text3 = box("Text3");
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  Command3 = makeButton("Command3");
-  Grid1 = new GridWidget;
-  Grid1->setObjectName("Grid1");
-
-  auto* boxes = new QGridLayout;
-  boxes->addWidget(Label1, 0, 0);
-  boxes->addWidget(Text1, 0, 1);
-  boxes->addWidget(Label3, 1, 0);
-  boxes->addWidget(Text3, 1, 1);
-  boxes->addWidget(Label2, 2, 0);
-  boxes->addWidget(Text2, 2, 1);
-  auto* side = new QVBoxLayout;
-  side->addLayout(boxes);
-  side->addStretch(1);
-  side->addWidget(Command1);
-  side->addWidget(Command2);
-  side->addWidget(Command3);
-  auto* layout = new QHBoxLayout(this);
-  layout->addWidget(Grid1, 1);
-  layout->addLayout(side);
-  resize(560, 380);
-
+  setupUi(this);
   connect(Text1, &QLineEdit::returnPressed, this, [this] {
     Text1->setText(QString::fromStdString(data_->enterDimension(Text1->text().toStdString())));
     rebuildGrid();
@@ -84,14 +46,9 @@ StatDataWindow::StatDataWindow(Engine& engine, AppState& state, QWidget* parent)
 }
 
 void StatDataWindow::retranslate() {
-  setWindowTitle(tr("Statistical Data"));
+  retranslateUi(this);
   // The dimension box has no English caption; the grid's corner says " Dim".
   Label1->setText(japanese() ? QStringLiteral("次元") : QString());
-  Label2->setText(tr("Input"));
-  Label3->setText(tr("Data Num"));
-  Command1->setText(tr("Memory"));
-  Command2->setText(tr("File"));
-  Command3->setText(tr("Close"));
   if (data_) Grid1->setCellText(0, 0, QString::fromStdString(data_->cell(0, 0)));
 }
 

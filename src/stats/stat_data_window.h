@@ -1,18 +1,16 @@
 // The Statistical Data window: typing up to three columns of values, Memory and File.
 #pragma once
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
 #include <memory>
 
 #include "controls/grid_widget.h"
 #include "main/tool_window.h"
 #include "stats/stat_data.h"
+#include "ui_stat_data_window.h"
 
 namespace merida {
 
-class StatDataWindow : public ToolWindow {
+class StatDataWindow : public ToolWindow, public Ui::StatDataWindow {
   Q_OBJECT
 
  public:
@@ -24,11 +22,6 @@ class StatDataWindow : public ToolWindow {
   // A tool's Data button: the grid afresh from the table, the window shown and raised.
   void open();
   const StatData& data() const { return *data_; }
-
-  QLabel *Label1, *Label2, *Label3;
-  QLineEdit *Text1, *Text2, *Text3;
-  GridWidget* Grid1;
-  QPushButton *Command1, *Command2, *Command3;
 
  signals:
   // Memory has put the grid into the record function table.

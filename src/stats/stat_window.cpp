@@ -2,10 +2,7 @@
 #include "stats/stat_window.h"
 
 #include <QEvent>
-#include <QGridLayout>
 #include <QGuiApplication>
-#include <QHBoxLayout>
-#include <QVBoxLayout>
 
 #include "stats/multreg_window.h"
 #include "stats/stat_data_window.h"
@@ -20,74 +17,7 @@ QString Box(const std::string& text) { return QString::fromStdString(text); }
 }  // namespace
 
 StatWindow::StatWindow(Engine& engine, AppState& state, QWidget* parent) : ToolWindow(engine, state, parent) {
-  setObjectName("StatWindow");
-  Label1 = makeLabel("Label1");
-  Label2 = makeLabel("Label2");
-  Label3 = makeLabel("Label3", true);
-  Label4 = makeLabel("Label4", true);
-  Label14 = makeLabel("Label14", true);
-  Label14->setWordWrap(true);
-  Frame1 = makeBoxFrame("Frame1", Text1, "Text1");
-  Text1->setText("1");
-  Label5 = makeLabel("Label5");
-  Label6 = makeLabel("Label6");
-  Text2 = makeResultBox("Text2");
-  Text3 = makeResultBox("Text3");
-  Frame2 = makeFieldsFrame("Frame2", {{Label5, Text2}, {Label6, Text3}});
-  Label7 = makeLabel("Label7");
-  Label8 = makeLabel("Label8");
-  Label9 = makeLabel("Label9");
-  Text4 = makeResultBox("Text4");
-  Text5 = makeResultBox("Text5");
-  Text6 = makeResultBox("Text6");
-  Frame3 = makeFieldsFrame("Frame3", {{Label7, Text4}, {Label8, Text5}, {Label9, Text6}});
-  Label10 = makeLabel("Label10");
-  Label11 = makeLabel("Label11");
-  Label13 = makeLabel("Label13");
-  Text7 = makeResultBox("Text7");
-  Text8 = makeResultBox("Text8");
-  Text9 = makeResultBox("Text9");
-  // The line reads as its equation, y = a [ ] x + b [ ], with the correlation below.
-  Frame4 = makeFieldsFrame("Frame4", {{Label10, Text7}, {Label13, Text9}});
-  auto* line = static_cast<QGridLayout*>(Frame4->layout());
-  line->addWidget(Label11, 0, 2);
-  line->addWidget(Text8, 0, 3);
-  Command1 = makeButton("Command1");
-  Command2 = makeButton("Command2");
-  Command3 = makeButton("Command3");
-  Command4 = makeButton("Command4");
-  Command5 = makeButton("Command5");
-  Command6 = makeButton("Command6");
-  Command7 = makeButton("Command7");
-  Command8 = makeButton("Command8");
-  Graph1 = new ChartWidget;
-  Graph1->setObjectName("Graph1");
-  Graph1->setMinimumSize(420, 320);
-
-  auto* table = new QGridLayout;
-  table->addWidget(Label1, 0, 0);
-  table->addWidget(Label3, 0, 1);
-  table->addWidget(Label2, 1, 0);
-  table->addWidget(Label4, 1, 1);
-  table->setColumnStretch(1, 1);
-  auto* frames = new QGridLayout;
-  frames->addWidget(Frame1, 0, 0, Qt::AlignTop);
-  frames->addWidget(Frame2, 0, 1);
-  frames->addWidget(Frame3, 1, 0, 1, 2);
-  frames->addWidget(Frame4, 2, 0, 1, 2);
-  auto* side = new QVBoxLayout;
-  side->addLayout(table);
-  side->addLayout(frames);
-  side->addStretch(1);
-  side->addLayout(makeButtonGrid({Command1, Command2, Command3, Command4, Command5, Command6, Command7, Command8}, 3));
-  auto* chart = new QVBoxLayout;
-  chart->addWidget(Graph1, 1);
-  chart->addWidget(Label14);
-  auto* layout = new QHBoxLayout(this);
-  layout->addLayout(chart, 1);
-  layout->addLayout(side);
-  resize(900, 500);
-
+  setupUi(this);
   connect(Command1, &QPushButton::clicked, this, &StatWindow::frequency);
   connect(Command2, &QPushButton::clicked, this, &StatWindow::basic);
   connect(Command3, &QPushButton::clicked, this, &StatWindow::regression);
@@ -101,37 +31,12 @@ StatWindow::StatWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   connect(Command7, &QPushButton::clicked, this, [this] { printWindow(); });
   connect(Command8, &QPushButton::clicked, this, &QWidget::close);
 
-  retranslate();
   showTableStatus();
   Graph1->setDataSets(1);
   Graph1->draw();
 }
 
-void StatWindow::retranslate() {
-  setWindowTitle(tr("Statiistical Analysis"));
-  Label1->setText(tr("Dim Num"));
-  Label2->setText(tr("Count"));
-  Frame1->setTitle(tr("Dimension"));
-  Frame2->setTitle(tr("Frequency Distribution"));
-  Label5->setText(tr("Median"));
-  Label6->setText(tr("Max Freq"));
-  Frame3->setTitle(tr("Basic Statistic"));
-  Label7->setText(tr("Average"));
-  Label8->setText(tr("Variance"));
-  Label9->setText(tr("Standard deviation"));
-  Frame4->setTitle(tr("Regression"));
-  Label10->setText(QStringLiteral("y = a"));
-  Label11->setText(QStringLiteral("x + b"));
-  Label13->setText(tr("Corre"));
-  Command1->setText(tr("Freq"));
-  Command2->setText(tr("Ave"));
-  Command3->setText(tr("Regres"));
-  Command4->setText(tr("Data"));
-  Command5->setText(tr("MultReg"));
-  Command6->setText(tr("Test"));
-  Command7->setText(tr("Print"));
-  Command8->setText(tr("Close"));
-}
+void StatWindow::retranslate() { retranslateUi(this); }
 
 void StatWindow::showTableStatus() {
   const RecordFunctionTable& t = state_.Records;

@@ -235,13 +235,6 @@ void ToolWindow::printPage(const std::function<void(QPainter&, const QRect& page
   paint(painter, painter.viewport());
 }
 
-QPushButton* ToolWindow::makeButton(const char* name) {
-  auto* button = new QPushButton(this);
-  button->setObjectName(QString::fromLatin1(name));
-  button->setAutoDefault(false);
-  return button;
-}
-
 void ToolWindow::keyPressEvent(QKeyEvent* event) {
   if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier) {
     event->accept();
@@ -261,78 +254,6 @@ void ToolWindow::showEvent(QShowEvent* event) {
     (box != order.end() ? *box : order.front())->setFocus();
   }
   QWidget::showEvent(event);
-}
-
-QGroupBox* ToolWindow::makeBoxFrame(const char* frameName, QLineEdit*& box, const char* boxName) {
-  auto* frame = new QGroupBox;
-  frame->setObjectName(frameName);
-  box = new QLineEdit;
-  box->setObjectName(boxName);
-  box->setMaximumWidth(110);
-  auto* layout = new QVBoxLayout(frame);
-  layout->setContentsMargins(6, 2, 6, 4);
-  layout->addWidget(box);
-  return frame;
-}
-
-QGroupBox* ToolWindow::makeFieldsFrame(const char* frameName,
-                                       std::initializer_list<std::pair<QLabel*, QLineEdit*>> rows) {
-  auto* frame = new QGroupBox;
-  frame->setObjectName(frameName);
-  auto* grid = new QGridLayout(frame);
-  grid->setContentsMargins(6, 2, 6, 4);
-  int row = 0;
-  for (const auto& [label, box] : rows) {
-    grid->addWidget(label, row, 0);
-    grid->addWidget(box, row++, 1);
-  }
-  return frame;
-}
-
-QLabel* ToolWindow::makeLabel(const char* name, bool framed) {
-  auto* label = new QLabel;
-  label->setObjectName(QString::fromLatin1(name));
-  if (framed) {
-    label->setFrameShape(QFrame::Panel);
-    label->setFrameShadow(QFrame::Sunken);
-  }
-  return label;
-}
-
-QGridLayout* ToolWindow::makeButtonGrid(std::initializer_list<QPushButton*> buttons, int columns) {
-  auto* grid = new QGridLayout;
-  int k = 0;
-  for (QPushButton* button : buttons) {
-    grid->addWidget(button, k / columns, k % columns);
-    ++k;
-  }
-  return grid;
-}
-
-QLineEdit* ToolWindow::makeBox(const char* name, const char* text) {
-  auto* box = new QLineEdit(QString::fromUtf8(text));
-  box->setObjectName(QString::fromLatin1(name));
-  box->setMaximumWidth(90);
-  return box;
-}
-
-QLineEdit* ToolWindow::makeResultBox(const char* name) {
-  QLineEdit* box = makeBox(name);
-  box->setReadOnly(true);
-  return box;
-}
-
-QGroupBox* ToolWindow::makeRangeFrame(const char* frameName, QLineEdit* min, QLineEdit* max, QLabel* countLabel,
-                                      QLineEdit* count) {
-  auto* frame = new QGroupBox;
-  frame->setObjectName(frameName);
-  auto* grid = new QGridLayout(frame);
-  grid->addWidget(min, 0, 0);
-  grid->addWidget(new QLabel(QStringLiteral("～")), 0, 1);
-  grid->addWidget(max, 0, 2);
-  grid->addWidget(countLabel, 1, 0, Qt::AlignRight);
-  grid->addWidget(count, 1, 2);
-  return frame;
 }
 
 void ToolWindow::pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButton* button) {

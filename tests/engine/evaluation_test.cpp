@@ -1,12 +1,17 @@
-// Operand rules: asking, linking, tool-window binding, stop, policy; EvaluateConstantText.
+// Calc and the operand rules: the formula table, built-ins, asking, stop and policy,
+// EvaluateConstantText, hostile texts; number texts: plain and list forms, patterns, numeric
+// test, lenient reading, 15-digit folding.
 #include <bit>
 #include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <limits>
 #include <random>
-#include <string>
-#include <vector>
+#include <sstream>
 
-#include "engine/engine.h"
+#include "engine/builtins.h"
 #include "engine/number_text.h"
+#include "engine/record_table.h"
 #include "main/calculator.h"
 #include "test_support.h"
 
@@ -15,179 +20,143 @@ namespace {
 
 using test::RecordingHost;
 
-// Compiles a formula the way a tool window does; returns the program length.
-int16_t CompileForTool(Engine& e, const std::string& formula) {
-  e.BeginRun(1, formula);
-  e.SplitFormula();
-  if (e.ExpandIntegrals() < 0 || e.ExpandSigmas() < 0) return -1;
-  e.ParseHeader();
-  e.TokenizeBody();
-  if (e.failed()) return -1;
-  int16_t n = e.CompilePostfix(e.CurrentSlot);
-  if (e.failed()) return -1;
-  n = e.ComputeIntegrals(n);
-  if (n < 0) return -1;
-  if (e.HeaderText.empty()) e.CollectVariables();
-  else e.CheckParameters();
-  return e.failed() ? -1 : n;
+std::vector<std::string> Split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::stringstream s(text);
+  for (std::string part; std::getline(s, part, separator);) parts.push_back(part);
+  return parts;
 }
 
-TEST(Evaluation, AsksEachVariableOnceInPostfixOrder) {
+// tests/data/formulas.tsv: formula, expected ("error N", "fault", "silent" or the answer),
+// replies to input boxes and functions registered first, both "|"-separated.
+TEST(Evaluation, FormulaTable) {
+  std::ifstream in(std::string(MERIDA_TEST_DATA) + "/formulas.tsv");
+  int cases = 0;
+  std::string row;
+  for (int line = 1; std::getline(in, row); ++line) {
+    std::vector<std::string> cols = Split(row, '\t');
+    if (row.empty() || row[0] == '#' || cols.size() < 2) continue;
+    ++cases;
+    SCOPED_TRACE("formulas.tsv line " + std::to_string(line) + ": " + cols[0]);
+    RecordingHost host;
+    for (const auto& r : Split(cols.size() > 2 ? cols[2] : "", '|')) host.answers.push_back(r);
+    Engine engine(host);
+    for (const auto& f : Split(cols.size() > 3 ? cols[3] : "", '|')) EXPECT_TRUE(engine.RegisterFormula(f)) << f;
+    auto answer = Calc(engine, cols[0]);
+    EXPECT_EQ(answer                 ? *answer
+              : !host.errors.empty() ? "error " + std::to_string(host.errors.front())
+              : !host.faults.empty() ? "fault"
+                                     : "silent",
+              cols[1]);
+    EXPECT_LE(host.errors.size(), 1u) << "an action reports at most one error";
+    EXPECT_EQ(host.faults.size(), cols[1] == "fault" ? 1u : 0u);
+  }
+  EXPECT_GT(cases, 100);
+}
+
+// The approximations' accuracy, domain errors, 16- and 32-bit overflows.
+TEST(Evaluation, Builtins) {
+  using enum Builtin;
   struct Row {
-    const char* formula;
-    std::vector<std::string> prompts;
+    Builtin fn;
+    double a, b, expected, tolerance;
+    int status = 0;  // an error number, or kFault
   };
   const Row rows[] = {
-      {"x+x", {"x"}},
-      {"x+y", {"x", "y"}},
-      {"y*x+x*y", {"y", "x"}},
-      {"sin(b)+a", {"b", "a"}},
-      {"X+x", {"X", "x"}},
-      {"PI+E+3", {}},
+      {kAsin, 0, 0.5, 0.5235987755982988, 3e-8}, {kAcos, 0, -0.5, 2.0943951023931957, 3e-8},
+      {kAsin, 0, -1, -1.5707963267948966, 3e-8}, {kErf, 0, 0.5, 0.5204998778130465, 1e-6},
+      {kErf, 0, 2, 0.9953222650189527, 1e-6},    {kGamma, 0, 2.5, 1.329340388179137, 1e-7},
+      {kGamma, 0, 0.25, 3.625609908221908, 1e-6}, {kGamma, 0, 10, 362880, 1e-2},
+      {kJn, 0, 1, 0.7651976865579666, 1e-9},     {kJn, 1, 2.5, 0.4970941024642741, 1e-9},
+      {kJn, 2, 30, 0.0784512460792, 1e-9},       {kJn, -1, 2.5, -0.4970941024642741, 1e-9},
+      {kYn, 0, 1, 0.08825696421567696, 1e-7},    {kYn, 1, 5, 0.1478631433912268, 1e-7},
+      {kYn, 2, 10, -0.005868082442208615, 1e-7}, {kPn, 3, 0.5, -0.4375, 1e-12},
+      {kPn, -3, 0.5, -0.125, 1e-12},             {kSinh, 0, 1, std::sinh(1.0), 1e-15},
+      {kTanh, 0, -0.5, std::tanh(-0.5), 1e-15},  {kLog, 0, 1000, 3, 1e-15},
+      {kMul, 6, 0.5, 3, 0},                      {kLn, 0, 0, 0, 0, 13},
+      // Products of !, perm and comb are 32-bit.
+      {kFact, 0, 40000, 0, 0, kFault}, {kFact, 0, -3, 1, 0}, {kPerm, 50, 5, 254251200, 0}, {kPerm, 50, 6, 0, 0, kFault},
+      {kComb, 12, 12, 1, 0},        {kComb, 13, 13, 0, 0, kFault}, {kComb, 14, 2, 91, 0},
+      {kPerm, 5, -1, 1, 0},         {kPerm, 70000, 1, 0, 0, kFault},
+      // Whole exponents are repeated products, counted in 16 bits; the rest go through exp and ln.
+      {kPow, -2, 3, -8, 1e-15},  {kPow, 2, -2, 0.25, 1e-15}, {kPow, 0, -1, 0, 0},   {kPow, 0, 0, 1, 0},
+      {kPow, 2, 0.5, std::sqrt(2.0), 1e-15}, {kPow, 1, 32767, 1, 0},
+      {kPow, 1, 32768, 0, 0, kFault}, {kPow, 2, 1024, 0, 0, kFault}, {kPow, 0.1, -400, 0, 0, kFault},
+      {kPow, -1, -32767, -1, 0},
   };
   for (const Row& r : rows) {
-    RecordingHost host;
-    Engine e(host);
-    ASSERT_TRUE(Calc(e, r.formula)) << r.formula;
-    EXPECT_EQ(host.prompts, r.prompts) << r.formula;
+    Applied out = ApplyBuiltin(r.fn, r.a, r.b);
+    SCOPED_TRACE(testing::Message() << static_cast<int>(r.fn) << "(" << r.a << "," << r.b << ")");
+    EXPECT_EQ(out.status, r.status);
+    EXPECT_TRUE(r.status != 0 || std::fabs(out.value - r.expected) <= r.tolerance) << out.value;
   }
+  RecordingHost host;
+  Engine e(host);
+  double sum = 0;
+  for (int i = 0; i < 10000; ++i) {
+    double x = std::stod(Calc(e, "random(-1)").value_or("nan"));
+    ASSERT_TRUE(x >= 0 && x < 1) << x;
+    sum += x;
+  }
+  EXPECT_NEAR(sum / 10000, 0.5, 0.02);  // uniform
+  RecordFunctionTable t;  // RecordPoint keeps the count and ignores rows past the capacity
+  for (int i : {1, 10, 100, 5001, -1, 3}) t.RecordPoint(i, static_cast<float>(i), 0, 0);
+  EXPECT_TRUE(t.count == 3 && t.values[10][0] == 10.0f) << t.count;
+  for (int i : {5000, 5001, -1}) t.RecordPoint(i, 0, 0, 0);
+  EXPECT_EQ(t.count, 5000);
 }
 
-TEST(Evaluation, CancelledInputBoxEndsWithoutAnswerOrMessage) {
+TEST(Evaluation, CalcAsksEachFreeVariableOnceInPostfixOrder) {
+  const std::pair<const char*, std::vector<std::string>> rows[] = {
+      {"x+x", {"x"}}, {"y*x+x*y", {"y", "x"}}, {"sin(b)+a", {"b", "a"}}, {"X+x", {"X", "x"}}, {"PI+E+3", {}}};
+  for (const auto& [formula, prompts] : rows) {
+    RecordingHost host;
+    Engine e(host);
+    ASSERT_TRUE(Calc(e, formula)) << formula;
+    EXPECT_EQ(host.prompts, prompts) << formula;
+  }
+  // A cancelled input box ends without an answer or a message; the next Calc starts afresh.
   RecordingHost host;
   host.answers = {std::string("1"), std::nullopt};
   Engine e(host);
   EXPECT_FALSE(Calc(e, "x+y+z"));
   EXPECT_EQ(host.prompts, (std::vector<std::string>{"x", "y"}));
-  EXPECT_TRUE(host.errors.empty());
-  EXPECT_TRUE(e.CancelFlag);
-  // The next Calc starts afresh.
+  EXPECT_TRUE(host.errors.empty() && e.CancelFlag);
   host.answers = {std::string("2")};
   EXPECT_EQ(Calc(e, "x*3"), "6");
-}
-
-// Later cells of a variable read the first cell's text back, so they carry 15 digits.
-TEST(Evaluation, LinkedCellsCarryFifteenDigits) {
-  RecordingHost host;
-  Engine e(host);
-  const double x = 0.1 + 0.2;  // 0.30000000000000004
-  int16_t n = CompileForTool(e, "x-x");
-  ASSERT_GT(n, 0);
-  SavedProgram saved = e.SaveProgram(n);
-  double y = e.EvaluateAt(saved, x);
-  EXPECT_FALSE(e.failed());
-  EXPECT_EQ(y, x - Round15(x));
-  EXPECT_NE(y, 0.0);
-  // A single use takes XValue exactly.
-  n = CompileForTool(e, "x*1");
-  saved = e.SaveProgram(n);
-  EXPECT_EQ(e.EvaluateAt(saved, x), x);
-}
-
-TEST(Evaluation, ToolModeBindsEveryFreeVariableToX) {
-  RecordingHost host;
-  Engine e(host);
-  int16_t n = CompileForTool(e, "x^2+3*x+1");
-  ASSERT_GT(n, 0);
-  EXPECT_EQ(e.FunctionTable[e.CurrentSlot].ParamCount, 1);
-  SavedProgram saved = e.SaveProgram(n);
-  for (double x : {-2.0, 0.0, 0.5, 3.0}) {
-    EXPECT_DOUBLE_EQ(e.EvaluateAt(saved, x), x * x + 3 * x + 1) << x;
-  }
-  EXPECT_TRUE(host.prompts.empty());
-  n = CompileForTool(e, "x*y");
-  ASSERT_GT(n, 0);
-  EXPECT_EQ(e.FunctionTable[e.CurrentSlot].ParamCount, 2);
-}
-
-TEST(Evaluation, ToolModeErrorsAndFaultsEndQuietly) {
-  RecordingHost host;
-  Engine e(host);
-  int16_t n = CompileForTool(e, "1/x");
-  SavedProgram saved = e.SaveProgram(n);
-  e.EvaluateAt(saved, 0);
-  EXPECT_EQ(e.ErrorFlag, 1);
-  EXPECT_EQ(host.errors, std::vector<int>{11});
-  n = CompileForTool(e, "exp(x)");
-  saved = e.SaveProgram(n);
-  e.EvaluateAt(saved, 1000);
-  EXPECT_TRUE(e.FaultFlag);
-  EXPECT_TRUE(host.faults.empty()) << "a tool ends a faulted run without a message";
-}
-
-TEST(Evaluation, SumsFollowThePointInToolMode) {
-  RecordingHost host;
-  Engine e(host);
-  int16_t n = CompileForTool(e, "sgm(k*x,1,3,k)");
-  ASSERT_GT(n, 0);
-  SavedProgram saved = e.SaveProgram(n);
-  EXPECT_EQ(e.EvaluateAt(saved, 1), 6);
-  EXPECT_EQ(e.EvaluateAt(saved, 2), 12);
-  EXPECT_EQ(e.EvaluateAt(saved, 0.5), 3);
-}
-
-TEST(Evaluation, IntegralsAreComputedOncePerRun) {
-  RecordingHost host;
-  host.answers = {std::string("1"), std::string("5")};
-  Engine e(host);
-  int16_t n = CompileForTool(e, "x+integ(t,0,b,10)");
-  ASSERT_GT(n, 0);
-  EXPECT_EQ(host.prompts, std::vector<std::string>{"b"});
-  SavedProgram saved = e.SaveProgram(n);
-  EXPECT_EQ(e.EvaluateAt(saved, 1), 1.5);
-  EXPECT_EQ(e.EvaluateAt(saved, 2), 2.5);
-  EXPECT_EQ(host.prompts.size(), 1u);
-  // The formula's own variables are still x alone.
-  EXPECT_EQ(e.FunctionTable[e.CurrentSlot].ParamCount, 1);
-}
-
-TEST(Evaluation, UnboundPolicyAndStopRequest) {
-  RecordingHost host;
-  Engine e(host);
-  for (int16_t policy : {0, 1}) {
-    e.BeginRun(-1, "x+1");
+  // Outside Calc a free variable takes the unbound policy's value, or when a run winds down the
+  // value last produced; nothing is asked.
+  host.prompts.clear();
+  auto run = [&](const char* formula, int16_t policy, int16_t stop) {
+    e.BeginRun(-1, formula);
     e.UnboundPolicy = policy;
     e.SplitFormula();
     e.TokenizeBody();
     int16_t n = e.CompilePostfix(e.CurrentSlot);
-    EXPECT_EQ(e.EvaluateProgram(n), policy + 1);
-  }
-  e.BeginRun(-1, "5+x");
-  e.SplitFormula();
-  e.TokenizeBody();
-  int16_t n = e.CompilePostfix(e.CurrentSlot);
-  e.StopRequested = 1;  // winding down: the variable takes the value last produced
-  EXPECT_EQ(e.EvaluateProgram(n), 10);
+    e.StopRequested = stop;
+    return e.EvaluateProgram(n);
+  };
+  EXPECT_EQ(run("x+1", 0, 0), 1);
+  EXPECT_EQ(run("x+1", 1, 0), 2);
+  EXPECT_EQ(run("5+x", -1, 1), 10);
   EXPECT_TRUE(host.prompts.empty());
 }
 
-TEST(Evaluation, ConstantTexts) {
-  struct Row {
-    const char* text;
-    double value;
-    int error;
-  };
-  const Row rows[] = {
-      {"PI/2", 3.14159265358979 / 2, 0}, {"-1", -1, 0},       {"+2", 2, 0},       {"2^3^2", 64, 0},
-      {"2*(3+4)", 14, 0},                {"1E-5", 1e-5, 0},   {"", 0, 0},         {"abc", 0, 0},
-      {"12abc+1", 13, 0},                {"1/0", 0, 11},      {"(-8)^(1/3)", 0, 14}, {"(2", 0, 23},
-      {"2)", 0, 23},                     {"2+", 0, 22},       {"2*(-3)", -6, 0},  {"E", 2.71828182845905, 0},
+TEST(Evaluation, ConstantTextsAndHostileTexts) {
+  const std::tuple<const char*, double, int> rows[] = {  // text, value, error
+      {"PI/2", 3.14159265358979 / 2, 0}, {"-1", -1, 0}, {"+2", 2, 0},       {"2^3^2", 64, 0}, {"2*(3+4)", 14, 0},
+      {"1E-5", 1e-5, 0},  {"", 0, 0},   {"abc", 0, 0},   {"12abc+1", 13, 0}, {"1/0", 0, 11},   {"(-8)^(1/3)", 0, 14},
+      {"(2", 0, 23},      {"2)", 0, 23}, {"2+", 0, 22},  {"2*(-3)", -6, 0},  {"E", 2.71828182845905, 0},
       {" 1 2 ", 12, 0},
   };
-  for (const Row& r : rows) {
+  for (const auto& [text, value, error] : rows) {
     RecordingHost host;
     Engine e(host);
-    double v = e.EvaluateConstantText(r.text);
-    if (r.error) {
-      EXPECT_EQ(host.errors, std::vector<int>{r.error}) << r.text;
-    } else {
-      EXPECT_TRUE(host.errors.empty()) << r.text;
-      EXPECT_DOUBLE_EQ(v, r.value) << r.text;
-    }
+    double v = e.EvaluateConstantText(text);
+    EXPECT_EQ(host.errors, error ? std::vector<int>{error} : std::vector<int>{}) << text;
+    EXPECT_TRUE(error || std::fabs(v - value) <= 1e-15 * std::fabs(value)) << text << ": " << v;
   }
-}
-
-TEST(Evaluation, HostileTextsEndInAnErrorOrAnAnswer) {
+  // Hostile texts end in an error or an answer.
   std::vector<std::string> texts = {std::string(100000, '('), std::string(5000, '1'), std::string(3000, '-'),
                                     "\xff\xfe\x00", "integ(integ(x,0,1,2),0,1,2)", "sgm(sgm(k,1,2,k),1,2,j)",
                                     ",,,", "((()))", "1e308*10", "f(((", "!!!", "^", "(,)", "=", "==="};
@@ -202,143 +171,125 @@ TEST(Evaluation, HostileTextsEndInAnErrorOrAnAnswer) {
   }
 }
 
-
-// Tool code runs in a lean form that checks for overflow only where a step could hide it.
-// It must give the full machine's value to the bit, and the same error or fault, in the
-// same order: an overflow earlier in the formula wins over a later error.
-struct LeanOutcome {
-  double value;
-  int16_t error;
-  bool fault;
-  std::vector<int> shown;
-  bool lean;  // the code had a lean form
-};
-
-// User functions the formulas call: plain terms, several parameters, calls inside bodies,
-// domain errors and divisions inside a body, a body that reads x as a free variable.
-const char* const kLeanFunctions[] = {
-    "f(x)=x^2", "g(a,b)=a/b-b", "h(t)=f(t)+1/t", "q(u)=sqr(u)*exp(0-u)", "w(v)=ln(v)+v*v", "s(t)=t",
-    "p(t)=3*t^2-t+1", "m(t)=t*t*t", "c(t)=p(m(t))*2", "k(t)=2-t",
-};
-
-LeanOutcome RunTool(bool lean, const std::string& formula, double x) {
-  RecordingHost host;
-  Engine e(host);
-  for (const char* f : kLeanFunctions) EXPECT_TRUE(e.RegisterFormula(f)) << f;
-  e.setLeanCode(lean);
-  int16_t n = CompileForTool(e, formula);
-  EXPECT_GT(n, 0) << formula;
-  SavedProgram saved = e.SaveProgram(n);
-  e.EvaluateAt(saved, 0.75);  // a first point builds the code; the second runs it as a tool's loop does
-  e.FaultFlag = false;
-  e.ErrorFlag = 0;
-  host.errors.clear();
-  double y = e.EvaluateAt(saved, x);
-  return LeanOutcome{y, e.ErrorFlag, e.FaultFlag, host.errors, e.hasLeanCode()};
-}
-
-// Points at the corners: signs, 15-digit read-backs that differ from x, tiny and huge values
-// whose powers overflow or underflow, the top of the range (its text reads back as infinite).
-const double kLeanPoints[] = {1, -1, 0.3, 0.1 + 0.2, 2.5, 1e-8, 1e20, -1e200, 1e300, 0, 7.000000000000001,
-                              -0.1, 1e-170, 1.7976931348623157e308, 123456.78901234567};
-
-// Returns whether the formula had a lean form at all.
-bool ExpectLeanAgrees(const std::string& f) {
-  bool reached = false;
-  for (double x : kLeanPoints) {
-    LeanOutcome lean = RunTool(true, f, x), full = RunTool(false, f, x);
-    reached = reached || lean.lean;
-    EXPECT_FALSE(full.lean) << f;
-    EXPECT_EQ(std::bit_cast<uint64_t>(lean.value), std::bit_cast<uint64_t>(full.value))
-        << f << " at " << x << ": " << lean.value << " vs " << full.value;
-    EXPECT_EQ(lean.error, full.error) << f << " at " << x;
-    EXPECT_EQ(lean.fault, full.fault) << f << " at " << x;
-    EXPECT_EQ(lean.shown, full.shown) << f << " at " << x;
-  }
-  return reached;
-}
-
-TEST(Evaluation, LeanToolCodeAgreesWithTheFullMachine) {
-  const char* formulas[] = {
-      "x^2+3*x+1", "2*x^4-3*x^3+x^2-5*x+7", "sin(x)*cos(x)+exp(0-x^2)", "(x+1)*(x-1)/(x+2)",
-      "x-x", "0-x^3", "x^3*2-x", "x*x/x", "x/2/x", "3/x^2", "x^-2", "x^0", "x^x", "x^2.5",
-      "sqr(x)", "ln(x)", "Jn(1,x)", "comb(x,2)", "sin(x)^2/(1+cos(x)^2)", "abs(x)*1e308*10",
-      "x*1e300*1e300-ln(0)", "atan(x*1e300*1e300)", "exp(0-x*1e300*1e300)", "1/(x*1e300*1e300)",
-      "tanh(x*1e300)", "sqr(0-x)+x*1e300*1e300", "x*1e300*1e300/(x-x)", "(x*1e300*1e300)+sqr(0-1)",
-      "x*x*x*x", "1/(x-1)", "x/(x-x)", "(x-1)^2*(x+1)^2", "x^3/x^2", "x+x*x+x*x*x",
-      // The per-point formulas tool windows are measured by.
-      "sin(x)^2+cos(x)^2", "(x+1)*(x-1)/(x^2+1)", "exp(0-x*x/2)*sqr(2*x+1)",
-      "sin(x)+cos(2*x)+tan(x/40)+exp(0-x/10)+ln(x+1)+sqr(x)+abs(x-5)+sinh(x/9)-cosh(x/9)+atan(x)*tanh(x)+log(x+2)",
-      // Calls: chains, several arguments, errors and overflows inside bodies, around calls.
-      "f(x)", "f(f(x))", "f(f(f(f(f(f(f(f(x))))))))", "g(x,2)", "g(2,x)", "g(x,x-x)", "h(x)", "h(x-x)",
-      "q(x)", "w(x)", "w(0-x)", "f(x)*1e300*1e300-w(0)", "w(0)+f(x)*1e300*1e300", "s(x)", "s(s(x))-x",
-      "f(x*1e300)", "1/f(x)", "g(f(x),h(x))+q(f(x))", "x-s(x)", "f(x)^2/s(x)", "p(x)", "m(p(x))-p(m(x))",
-      "c(x)", "c(c(x))", "p(x)*m(x)/f(x)", "ln(m(x))+p(0-x)", "x/2", "x/0.25/(0-4)", "x/1e300/1e300/2",
-      "1-(x+2)*3", "2/(x-1)", "1/(x*1e300*1e300)+ln(0)", "cosh(x)*tanh(x)-sinh(x)/log(x)", "k(x)*k(k(x))",
-      "1/k(x*1e300*1e300)", "k(x-1e300*1e300)+ln(0)", "x/(x*1e300+1)", "(x-1)/(x*1e300-1)-ln(0)",
+TEST(NumberText, Forms) {
+  struct Row {
+    double v;
+    const char *plain, *list;
   };
-  for (const char* f : formulas) ExpectLeanAgrees(f);
-  // Calls, divisions by expressions, exp and sqr of expressions and nested parentheses run lean.
-  for (const char* f : {"f(f(f(x)))", "g(f(x),h(x))+q(f(x))", "(x+1)*(x-1)/(x^2+1)", "exp(0-x*x/2)*sqr(2*x+1)",
-                        "w(x)", "((x+1)*(x-2))/((x-3)*(x+4))"}) {
-    EXPECT_TRUE(ExpectLeanAgrees(f)) << f;
-  }
-  // The per-point formulas tool windows are measured by, and call chains, keep their values in
-  // registers; deeper stacks and calls that are not copied in use the stack in memory.
-  const std::pair<const char*, bool> forms[] = {
-      {"x^2+3*x+1", true}, {"sin(x)^2+cos(x)^2", true}, {"(x+1)*(x-1)/(x^2+1)", true},
-      {"exp(0-x*x/2)*sqr(2*x+1)", true}, {"f(f(f(f(f(f(f(f(x))))))))", true}, {"k(k(x))*p(x)", true},
-      {"sin(x)+cos(2*x)+tan(x/40)+exp(0-x/10)+ln(x+1)+sqr(x)+abs(x-5)+sinh(x/9)-cosh(x/9)+atan(x)*tanh(x)+log(x+2)",
-       false},
-      {"(x+1)*((x+2)*((x+3)*((x+4)*abs(x+5))))", false}, {"g(x,2)", false},
+  const Row rows[] = {
+      {1.0 / 3, "0.333333333333333", " .333333333333333"}, {-0.25, "-0.25", "-.25"}, {2, "2", " 2"},
+      {1e-7, "1E-07", " 1E-07"}, {std::pow(2.0, 100), "1.26765060022823E+30", " 1.26765060022823E+30"},
+      {1e14, "100000000000000", " 100000000000000"}, {1e15, "1E+15", " 1E+15"}, {0.0001, "0.0001", " .0001"},
+      {-0.0, "0", " 0"}, {-1e300, "-1E+300", "-1E+300"},
+      {123456789012345678.0, "1.23456789012346E+17", " 1.23456789012346E+17"},
   };
-  for (const auto& [formula, registers] : forms) {
-    RecordingHost host;
-    Engine e(host);
-    for (const char* f : kLeanFunctions) e.RegisterFormula(f);
-    SavedProgram saved = e.SaveProgram(CompileForTool(e, formula));
-    e.EvaluateAt(saved, 0.75);
-    EXPECT_TRUE(e.hasLeanCode()) << formula;
-    EXPECT_EQ(e.runsInRegisters(), registers) << formula;
+  for (const Row& r : rows) {
+    EXPECT_EQ(PlainText(r.v), r.plain) << r.v;
+    EXPECT_EQ(ListText(r.v), r.list) << r.v;
   }
-  // The cases above must reach both outcomes, or they test nothing about ordering.
-  EXPECT_TRUE(RunTool(true, "x*1e300*1e300-ln(0)", 1).fault);
-  EXPECT_EQ(RunTool(true, "x*1e300*1e300-ln(0)", 1).shown, std::vector<int>{});
-  EXPECT_EQ(RunTool(true, "x-ln(0)", 1).shown, std::vector<int>{13});
-  EXPECT_TRUE(RunTool(true, "atan(x*1e300*1e300)", 1).fault);
-  EXPECT_EQ(RunTool(true, "w(0)+f(x)*1e300*1e300", 1).shown, std::vector<int>{13});
-  EXPECT_TRUE(RunTool(true, "f(f(f(f(f(f(f(f(x))))))))", 20).fault);
-  EXPECT_FALSE(RunTool(true, "f(f(f(f(f(f(f(f(x))))))))", 10).fault);
-  // A parameter holds its argument read back in 15 digits.
-  EXPECT_EQ(RunTool(true, "x-s(x)", 0.1 + 0.2).value, (0.1 + 0.2) - Round15(0.1 + 0.2));
+  const std::pair<float, const char*> floats[] = {{1.0f / 3, " .3333333"}, {-0.5f, "-.5"}, {2.0f, " 2"},
+                                                  {1e-9f, " 1E-09"}};
+  for (const auto& [v, text] : floats) EXPECT_EQ(ListText(v), text) << v;
+  const std::pair<double, const char*> fixed[] = {{0.25, ".25"}, {3, "3."}, {-1.5, "-1.5"}, {0, "."},
+                                                  {123.456789, "123.45679"}, {-0.000001, "."}, {0.000005, ".00001"},
+                                                  {1e6, "1000000."}};
+  for (const auto& [v, text] : fixed) EXPECT_EQ(Fixed5Text(v), text) << v;
 }
 
-// Random formulas: any mix of the operations, powers, parentheses, built-ins and calls.
-std::string RandomLeanFormula(std::mt19937& rng, int depth) {
-  static const char* const atoms[] = {"x", "x", "x", "0", "1", "2", "0.5", "3", "1e300", "PI", "7", "0.25", "0.001"};
-  static const char* const ops[] = {"+", "-", "*", "/", "^"};
-  static const char* const functions[] = {"sin", "cos", "atan", "abs", "tan", "exp", "sqr",
-                                          "ln",  "sinh", "log", "f",  "h",   "q",   "w", "s",
-                                          "p",   "m",    "c",  "cosh", "tanh"};
-  auto pick = [&rng](int n) { return std::uniform_int_distribution<int>(0, n - 1)(rng); };
-  const int c = pick(10);
-  if (depth == 0 || c < 3) return atoms[pick(13)];
-  const std::string left = RandomLeanFormula(rng, depth - 1);
-  if (c < 7) return "(" + left + ops[pick(5)] + RandomLeanFormula(rng, depth - 1) + ")";
-  if (c < 8) return left + ops[pick(4)] + RandomLeanFormula(rng, depth - 1);  // precedence decides
-  if (c < 9) return "g(" + left + "," + RandomLeanFormula(rng, depth - 1) + ")";
-  return std::string(functions[pick(20)]) + "(" + left + ")";
+TEST(NumberText, NumericTestAndReading) {
+  struct Row {
+    const char* text;
+    bool numeric;
+    double lenient;
+  };
+  const Row rows[] = {
+      {"12", true, 12},   {" -3.5 ", true, -3.5}, {"+.5", true, 0.5},    {"5.", true, 5},      {"1e-3", true, 1e-3},
+      {"2 ", true, 2},    {"", false, 0},         {" ", false, 0},       {"12abc", false, 12}, {"1E", false, 1},
+      {"1E+", false, 1},  {".", false, 0},        {"-", false, 0},       {"1.2.3", false, 1.2}, {"inf", false, 0},
+      {"nan", false, 0},  {"0x10", false, 0},     {"1e999", true, 0},    {"1 2", false, 1},    {"--1", false, 0},
+      {"PI", false, 0},   {"１", false, 0},
+  };
+  for (const Row& r : rows) {
+    EXPECT_EQ(IsNumeric(r.text), r.numeric) << '"' << r.text << '"';
+    EXPECT_EQ(ReadLenient(r.text), r.lenient) << '"' << r.text << '"';
+    EXPECT_EQ(ReadNumber(r.text).has_value(), r.numeric) << '"' << r.text << '"';
+  }
+  EXPECT_EQ(*ReadNumber(" 0.1 "), 0.1);
+  EXPECT_TRUE(std::isinf(*ReadNumber("1e999")));
+  EXPECT_EQ(*ReadNumber("1e-999"), 0);
+  // 16- and 32-bit counts: halves to even, nullopt when the value does not fit.
+  const std::pair<double, std::optional<int16_t>> counts[] = {
+      {2.5, 2}, {3.5, 4}, {-2.5, -2}, {32767.4, 32767}, {32767.5, {}}, {-32768.6, {}}, {std::nan(""), {}}};
+  for (const auto& [v, n] : counts) EXPECT_EQ(ToInt16(v), n) << v;
+  EXPECT_EQ(*ToInt32(2147483647.0), 2147483647);
+  EXPECT_FALSE(ToInt32(2147483648.0));
 }
 
-TEST(Evaluation, LeanToolCodeAgreesOnRandomFormulas) {
-  std::mt19937 rng(1717);
-  int lean = 0;
-  for (int i = 0; i < 1000; ++i) {
-    std::string formula = RandomLeanFormula(rng, 4);
-    if (formula.find('x') == std::string::npos) formula += "+x";
-    if (ExpectLeanAgrees(formula)) ++lean;
+// A number cell holds PlainText(v) and reads it back: Round15 gives that value bit for bit, for
+// every kind of double, with or without a site's remembered binade. The integer read-back
+// decides almost every normal value itself: the text is the rare way.
+TEST(NumberText, Round15IsThePlainTextReadBack) {
+  auto bits = [](double v) { return std::bit_cast<uint64_t>(v); };
+  detail::Round15Guess guess;
+  auto expectSame = [&](double v) {
+    const uint64_t readBack = bits(ReadNumber(PlainText(v)).value_or(std::nan("")));
+    ASSERT_EQ(bits(Round15(v)), readBack) << std::hexfloat << v;
+    ASSERT_EQ(bits(Round15(v, guess)), readBack) << std::hexfloat << v;
+  };
+  std::mt19937_64 rng(20240611);
+  int normal = 0, decided = 0;
+  for (int i = 0; i < 400000; ++i) {
+    const double v = std::bit_cast<double>(rng());  // every exponent, subnormals included
+    if (!std::isfinite(v)) continue;
+    expectSame(v);
+    double wide = 0;
+    if (!std::isnormal(v) || std::fabs(v) > 1e308) continue;
+    ++normal;
+    if (!detail::Round15Wide(v, wide)) continue;
+    ++decided;
+    ASSERT_EQ(bits(wide), bits(Round15(v))) << std::hexfloat << v;
   }
-  EXPECT_GT(lean, 750);
+  EXPECT_GT(decided, normal - normal / 1000);
+  // Sweeps that keep to a binade for many points, as tools' x and a chain's values do, across
+  // every magnitude and both signs, through zero and the ends of the table.
+  for (double v : {1e-320, 1e-200, 3e-8, 0.999, -0.5, 7.0, 9e14, 4e15, 1e200, -1e300}) {
+    for (int i = 0; i < 20000; ++i, v *= 1.0007) expectSame(v);
+  }
+  // Values next to a half in the 16th digit, where the product's rounding error decides.
+  std::uniform_int_distribution<int64_t> digits(100000000000000, 999999999999999);
+  std::uniform_int_distribution<int> places(0, 21);
+  for (int i = 0; i < 200000; ++i) {
+    double v = (static_cast<double>(digits(rng)) + 0.5) / std::pow(10.0, places(rng));
+    for (double w : {v, std::nextafter(v, 0.0), std::nextafter(v, 1e300), -v}) expectSame(w);
+  }
+  // Ties in the 16th digit, neighbours of powers of ten, tiny and huge magnitudes, the edges of
+  // the range (the text of the largest doubles reads back beyond it).
+  const double max = std::numeric_limits<double>::max();
+  for (double v : {0.0, 0.5, 2.5, 100000000000000.5, 100000000000001.5, 999999999999999.5, 0.1 + 0.2, 0.1, 1e-7,
+                   std::nextafter(1e-7, 0.0), 1e15, std::nextafter(1e15, 0.0), std::nextafter(1e-5, 1.0),
+                   std::nextafter(1e-5, 0.0), 9.999999999999999e22, 1e35, 1e-300, 1e300, 5e-324, 1e-310,
+                   2.2250738585072014e-308, std::nextafter(2.2250738585072014e-308, 0.0), 1.79769313486231e308,
+                   std::nextafter(1.797693134862315e308, 0.0), 1.797693134862315e308, max, 123456789012345678.0,
+                   0.000123456789012345678}) {
+    expectSame(v);
+    expectSame(-v);
+  }
+  // Far from 1: exact 15-digit decimals, 16th digits on or next to a half (the product's
+  // truncated power of ten cannot decide those), over the whole exponent range.
+  char text[64];
+  for (int exp10 = -300; exp10 <= 290; exp10 += 7) {
+    for (const char* d : {"123456789012345", "1234567890123455", "9999999999999995", "1000000000000005",
+                          "9999999999999994999", "1000000000000000"}) {
+      std::snprintf(text, sizeof text, "%se%d", d, exp10);
+      expectSame(*ReadNumber(text));
+      expectSame(std::nextafter(*ReadNumber(text), 0.0));
+    }
+  }
+  EXPECT_TRUE(std::isinf(Round15(max)) && std::isinf(Round15(-max)) && Round15(-max) < 0);
+  EXPECT_EQ(bits(Round15(std::numeric_limits<double>::infinity(), guess)), bits(HUGE_VAL));
+  EXPECT_TRUE(std::isnan(Round15(std::nan(""), guess)));
+  const double subnormal = std::bit_cast<double>(uint64_t{0x000ec7a8e4e0e03e});
+  EXPECT_NE(Round15(subnormal), subnormal);
 }
 
 }  // namespace

@@ -1,9 +1,15 @@
-// User functions: Rec, calls, the list, delete, the store text and loading it.
+// User functions and the files that keep them: Rec, calls, the list, delete, the store text,
+// loading and saving it, the settings file; atomic replacement of any file (modes, symbolic
+// links, stale and live temporaries, failures, locks).
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
+#include <memory>
 
-#include "engine/engine.h"
+#include "engine/atomic_file.h"
 #include "main/calculator.h"
 #include "main/settings.h"
 #include "test_support.h"
@@ -13,234 +19,233 @@ namespace {
 
 using test::RecordingHost;
 
-struct Rec {
-  const char* formula;
-  int error;  // 0 = registered
+// Steps on two engines, A and B ("B:" before a step), in one directory. What a step gives:
+//   rec F, calc F    "" when registered, or the answer (input boxes are answered "10")
+//   del N            "", or "refused" (as a Rec or Calc that failed without a message)
+//   list, count      the Function List's lines joined by "|", or their number
+//   load             a new engine loading MERIDA.DAT: the notice about lines it could not load
+//   save, text       the reason a save failed ("" when it did not), or the engine's store text
+//   write T, file    MERIDA.DAT written, or what it holds
+// after the errors shown, each as "error N", all joined by "; ".
+class Script {
+ public:
+  std::string run(const std::string& line) {
+    const bool b = line.rfind("B:", 0) == 0;
+    const std::string step = line.substr(b ? 2 : 0);
+    const std::string cmd = step.substr(0, step.find(' ')), arg = step.substr(std::min(step.size(), cmd.size() + 1));
+    std::unique_ptr<Engine>& e = b ? b_ : a_;
+    host_.errors.clear();
+    host_.answers = {std::string("10")};
+    std::string out;
+    if (cmd == "rec") out = e->RegisterFormula(arg) ? "+" : "-";
+    if (cmd == "calc") out = Calc(*e, arg).value_or("-");
+    if (cmd == "del") out = e->DeleteFunction(std::stoi(arg)) ? "" : "refused";
+    if (cmd == "count") out = std::to_string(e->userFunctionCount());
+    for (int k = 1; cmd == "list" && k <= e->userFunctionCount(); ++k) {
+      out += (k > 1 ? "|" : "") + e->FunctionListLine(k);
+    }
+    if (cmd == "load") out = StoreLoadNotice(LoadUserFunctions(*(e = std::make_unique<Engine>(host_)), "."));
+    if (cmd == "save") out = SaveUserFunctions(*e, ".").error;
+    if (cmd == "text") out = e->StoreText();
+    if (cmd == "write") std::ofstream("MERIDA.DAT", std::ios::binary | std::ios::trunc) << arg;
+    if (cmd == "file") out = test::FileText("MERIDA.DAT").value_or("<none>");
+    std::string shown;
+    for (int code : host_.errors) shown += (shown.empty() ? "error " : "; error ") + std::to_string(code);
+    if (out == "-") return shown.empty() ? "refused" : shown;  // a Rec or Calc that failed
+    if (out == "+") out = shown.empty() ? "" : "registered";
+    return out.empty() ? shown : shown.empty() ? out : shown + "; " + out;
+  }
+
+ private:
+  RecordingHost host_;
+  std::unique_ptr<Engine> a_ = std::make_unique<Engine>(host_), b_ = std::make_unique<Engine>(host_);
 };
 
-TEST(UserFunctions, RegisteringAndCalling) {
-  RecordingHost host;
-  Engine e(host);
-  const Rec recs[] = {
-      {"sq(x)=x*x", 0},          {"x^2+y", 0},          {"h(x)=x+y", 3},        {"h(x,y)=x", 2},
-      {"sq(t)=t", 7},            {"f(x,1)=x", 1},       {"g(a,b,c,d,e,f,g,h,i,j,k)=a", 5},
-      {"2h(x)=x", 21},           {"p(x,y)=x+perm(x,y)", 0}, {"q(x)=sq(x)+1", 0},  {"r(x)=sq(x,1)", 8},
-      {"F(a)=integ(t^2,0,a,100)", 0}, {"c(X)=x+1", 0},  {"k=3", 0},
-  };
-  for (const Rec& r : recs) {
-    host.errors.clear();
-    bool ok = e.RegisterFormula(r.formula);
-    EXPECT_EQ(ok, r.error == 0) << r.formula;
-    EXPECT_EQ(host.errors.empty() ? 0 : host.errors.front(), r.error) << r.formula;
-  }
-  EXPECT_EQ(e.userFunctionCount(), 7);
-  EXPECT_EQ(e.FunctionListLine(2), "f_1(x,y)=x^2+y");
-  EXPECT_EQ(e.FunctionListLine(5), "F(a)=integ(t^2,0,a,100)");
+using Steps = std::vector<std::pair<std::string, std::string>>;
 
-  struct Call {
-    const char* formula;
-    const char* answer;
-  };
-  const Call calls[] = {
-      {"sq(3)+1", "10"}, {"f_1(2,3)", "7"}, {"p(5,2)", "25"}, {"q(4)", "17"},
-      {"sq(sq(2))", "16"}, {"F(3)", "9.00000000000001"}, {"sq(0.1+0.2)", "0.09"},
-  };
-  for (const Call& c : calls) {
-    host.errors.clear();
-    EXPECT_EQ(Calc(e, c.formula).value_or("none"), c.answer) << c.formula;
-  }
-  host.errors.clear();
-  EXPECT_FALSE(Calc(e, "sq(2,3)"));
-  EXPECT_EQ(host.errors, std::vector<int>{8});
-  // Parameters match the body without regard to case but are substituted exactly:
-  // the lower-case x of c(X)=x+1 stays a free variable and is asked for.
-  host.prompts.clear();
-  host.answers = {std::string("10")};
-  EXPECT_EQ(Calc(e, "c(1)"), "11");
-  EXPECT_EQ(host.prompts, std::vector<std::string>{"x"});
-}
-
-TEST(UserFunctions, AutomaticNamesReuseTheSmallestFreeNumber) {
-  RecordingHost host;
-  Engine e(host);
-  ASSERT_TRUE(e.RegisterFormula("x+1"));
-  ASSERT_TRUE(e.RegisterFormula("x+2"));
-  ASSERT_TRUE(e.RegisterFormula("x+3"));
-  ASSERT_TRUE(e.DeleteFunction(1));
-  EXPECT_EQ(e.userFunctionCount(), 2);
-  EXPECT_EQ(e.FunctionListLine(1), "f_2(x)=x+2");
-  EXPECT_EQ(e.FunctionListLine(2), "f_3(x)=x+3");
-  ASSERT_TRUE(e.RegisterFormula("x+4"));
-  EXPECT_EQ(e.FunctionListLine(3), "f_1(x)=x+4");
-  EXPECT_FALSE(e.DeleteFunction(0));
-  EXPECT_FALSE(e.DeleteFunction(4));
-}
-
-TEST(UserFunctions, FiftiethFunctionIsRefused) {
-  RecordingHost host;
-  Engine e(host);
-  for (int i = 1; i <= 49; ++i) ASSERT_TRUE(e.RegisterFormula("x+" + std::to_string(i))) << i;
-  EXPECT_FALSE(e.RegisterFormula("x+50"));
-  EXPECT_EQ(host.errors, std::vector<int>{9});
-  EXPECT_EQ(e.userFunctionCount(), 49);
-  // Sums still compile in the slot above a full work slot.
-  EXPECT_EQ(Calc(e, "sgm(k,1,4,k)+f_49(1)"), "60");
-}
-
-TEST(UserFunctions, DeletedFunctionsAreNotFound) {
-  RecordingHost host;
-  Engine e(host);
-  ASSERT_TRUE(e.RegisterFormula("g(x)=x+1"));
-  ASSERT_TRUE(e.RegisterFormula("f(x)=g(x)*2"));
-  EXPECT_EQ(Calc(e, "f(1)"), "4");
-  ASSERT_TRUE(e.DeleteFunction(1));
-  // The caller was registered while g existed: its call is not found. A new formula that
-  // names g is a syntax error, g being no function name any more.
-  EXPECT_FALSE(Calc(e, "f(1)"));
-  EXPECT_EQ(host.errors.back(), 4);
-  EXPECT_FALSE(Calc(e, "g(1)"));
-  EXPECT_EQ(host.errors.back(), 22);
-  // A function redefined after the one that calls it cannot make the calls endless.
-  ASSERT_TRUE(e.RegisterFormula("g(x)=f(x)"));
-  host.errors.clear();
-  EXPECT_FALSE(Calc(e, "g(1)"));
-  EXPECT_EQ(host.errors.size(), 1u);
-}
-
-TEST(UserFunctions, EmptyOrBlankParametersAreRefused) {
-  const Rec recs[] = {
-      {"g(x, )=x", 21}, {"g(x,)=x", 21}, {"g(,x)=x", 21}, {"g( )=1", 21}, {"g(x,,y)=x+y", 21},
-      {"g()=1", 0},     {"h(x,y)=x+y", 0},
-  };
-  for (const Rec& r : recs) {
-    RecordingHost host;
-    Engine e(host);
-    EXPECT_EQ(e.RegisterFormula(r.formula), r.error == 0) << r.formula;
-    EXPECT_EQ(host.errors.empty() ? 0 : host.errors.front(), r.error) << r.formula;
+void RunScripts(const std::vector<Steps>& scripts) {
+  for (const Steps& steps : scripts) {
+    test::TempDirScope dir;
+    Script script;
+    for (const auto& [step, expected] : steps) EXPECT_EQ(script.run(step), expected) << step.substr(0, 80);
   }
 }
 
-TEST(UserFunctions, OverlongTextsAreError10) {
-  const std::string longName(5000, 'a');
-  struct Row {
-    std::string formula;
-    bool rec;  // Rec rather than Calc
-    int error;
-  };
-  const Row rows[] = {
-      {"1+" + longName, false, 10},
-      {"f(x)=x+" + longName, true, 10},
-      {longName + "(x)=x", true, 10},
-      {"f(x)=integ(" + longName + ",0,1,2)", true, 10},
-      {"1+0." + std::string(kMaxFormulaLength - 4, '0'), false, 0},
-      {"1+0." + std::string(kMaxFormulaLength - 3, '0'), false, 10},
-  };
-  for (const Row& r : rows) {
-    RecordingHost host;
-    Engine e(host);
-    bool ok = r.rec ? e.RegisterFormula(r.formula) : Calc(e, r.formula).has_value();
-    EXPECT_EQ(ok, r.error == 0) << r.formula.size();
-    EXPECT_EQ(host.errors.empty() ? 0 : host.errors.front(), r.error) << r.formula.size();
-    EXPECT_TRUE(host.prompts.empty());
-  }
+TEST(UserFunctions, RegisteringCallingListingAndDeleting) {
+  const std::string longName(5000, 'a'), zeros = "1+0." + std::string(kMaxFormulaLength - 4, '0');
+  Steps fifty;
+  for (int i = 1; i <= 49; ++i) fifty.push_back({"rec x+" + std::to_string(i), ""});
+  fifty.insert(fifty.end(), {{"rec x+50", "error 9"}, {"count", "49"}, {"calc sgm(k,1,4,k)+f_49(1)", "60"}});
+  RunScripts({
+      {{"rec sq(x)=x*x", ""}, {"rec x^2+y", ""}, {"rec h(x)=x+y", "error 3"}, {"rec h(x,y)=x", "error 2"},
+       {"rec sq(t)=t", "error 7"}, {"rec f(x,1)=x", "error 1"}, {"rec g(a,b,c,d,e,f,g,h,i,j,k)=a", "error 5"},
+       {"rec 2h(x)=x", "error 21"}, {"rec p(x,y)=x+perm(x,y)", ""}, {"rec q(x)=sq(x)+1", ""},
+       {"rec r(x)=sq(x,1)", "error 8"}, {"rec F(a)=integ(t^2,0,a,100)", ""}, {"rec k=3", ""},
+       {"rec g(x, )=x", "error 21"}, {"rec g(x,)=x", "error 21"}, {"rec g(,x)=x", "error 21"},
+       {"rec g( )=1", "error 21"}, {"rec g(x,,y)=x+y", "error 21"}, {"rec g()=1", ""},
+       {"list", "sq(x)=x*x|f_1(x,y)=x^2+y|p(x,y)=x+perm(x,y)|q(x)=sq(x)+1|F(a)=integ(t^2,0,a,100)|k()=3|g()=1"},
+       {"calc sq(3)+1", "10"}, {"calc f_1(2,3)", "7"}, {"calc p(5,2)", "25"}, {"calc q(4)", "17"},
+       {"calc sq(sq(2))", "16"}, {"calc F(3)", "9.00000000000001"}, {"calc sq(0.1+0.2)", "0.09"},
+       {"calc 2*k()^2", "18"}, {"calc sq(2,3)", "error 8"},
+       // Parameters match the body without regard to case but are substituted exactly: the
+       // lower-case x of c(X)=x+1 stays a free variable and is asked for.
+       {"rec c(X)=x+1", ""}, {"calc c(1)", "11"}},
+      // Automatic names take the smallest free number. A caller registered while g existed does
+      // not find it once deleted; a new formula naming g is a syntax error; g redefined after its
+      // caller cannot make the calls endless.
+      {{"rec x+1", ""}, {"rec x+2", ""}, {"rec x+3", ""}, {"del 1", ""}, {"rec x+4", ""},
+       {"list", "f_2(x)=x+2|f_3(x)=x+3|f_1(x)=x+4"}, {"del 0", "refused"}, {"del 4", "refused"},
+       {"rec g(x)=x+1", ""}, {"rec f(x)=g(x)*2", ""}, {"calc f(1)", "4"}, {"del 4", ""}, {"calc f(1)", "error 4"},
+       {"calc g(1)", "error 22"}, {"rec g(x)=f(x)", ""}, {"calc g(1)", "error 10"}},
+      fifty,  // the fiftieth is refused; sums still compile in the slot above a full work slot
+      {{"calc 1+" + longName, "error 10"}, {"rec f(x)=x+" + longName, "error 10"},
+       {"rec " + longName + "(x)=x", "error 10"}, {"rec f(x)=integ(" + longName + ",0,1,2)", "error 10"},
+       {"calc " + zeros, "1"}, {"calc " + zeros + "0", "error 10"}},
+      // The list and the store show a body as written, whatever was lifted out of it (a sum's
+      // limits are read as constant texts: the second is not called).
+      {{"rec h(n)=sgm(integ(x,0,2,10)*k,1,n,k)", ""}, {"calc h(2)", "6"}, {"save", ""}, {"load", ""},
+       {"list", "h(n)=sgm(integ(x,0,2,10)*k,1,n,k)"}},
+      {{"rec h(n)=sgm(k,1,integ(x,0,2,2),k)+integ(t,0,n,2)", ""}, {"save", ""}, {"load", ""},
+       {"list", "h(n)=sgm(k,1,integ(x,0,2,2),k)+integ(t,0,n,2)"}},
+      {{"rec h(n)=integ(x,0,n,2)+sgm(integ(t,0,1,2)+k,1,2,k)*integ(x,0,1,2)", ""}, {"calc h(2)", "4"}, {"save", ""},
+       {"load", ""}, {"list", "h(n)=integ(x,0,n,2)+sgm(integ(t,0,1,2)+k,1,2,k)*integ(x,0,1,2)"}},
+  });
 }
 
-class StoreTest : public test::TempDirTest {};
-
-std::string ReadFile(const char* name) {
-  std::ifstream in(name, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
-
-TEST_F(StoreTest, SaveAndLoadKeepOrderWithAtSigns) {
-  RecordingHost host;
-  {
-    Engine e(host);
-    ASSERT_TRUE(e.RegisterFormula("f(x,y)=x+perm(x,y)"));
-    ASSERT_TRUE(e.RegisterFormula("g=2"));
-    ASSERT_TRUE(e.RegisterFormula("F(a)=integ(t^2,0,a,100)+sgm(k,1,a,k)"));
-    ASSERT_TRUE(SaveUserFunctions(e, "."));
-  }
-  EXPECT_EQ(ReadFile("MERIDA.DAT"), "f(x@y)=x+perm(x@y)\r\ng()=2\r\nF(a)=integ(t^2@0@a@100)+sgm(k@1@a@k)\r\n");
-  Engine loaded(host);
-  LoadUserFunctions(loaded, ".");
-  ASSERT_EQ(loaded.userFunctionCount(), 3);
-  EXPECT_EQ(loaded.FunctionListLine(1), "f(x,y)=x+perm(x,y)");
-  EXPECT_EQ(loaded.FunctionListLine(3), "F(a)=integ(t^2,0,a,100)+sgm(k,1,a,k)");
-  EXPECT_EQ(Calc(loaded, "f(5,2)"), "25");
-  EXPECT_EQ(Calc(loaded, "F(3)"), "15");
-  EXPECT_TRUE(host.errors.empty());
-}
-
-TEST_F(StoreTest, LinesThatCannotBeRegisteredAreKeptWhereTheyWere) {
-  struct Row {
-    std::string stored;
-    std::vector<int> errors;
-    int registered;
-    std::string saved;
-  };
+// Lines that cannot be registered stay where they were; lines are saved as written.
+TEST(Store, LoadChangeSaveAndLoadAgain) {
   const std::string huge = "f(x)=x+" + std::string(10000, 'a');
-  std::string sixty;
+  std::string sixty, many = "ok(x)=x\r\n";
   for (int i = 1; i <= 60; ++i) sixty += "f" + std::to_string(i) + "(x)=x+" + std::to_string(i) + "\r\n";
-  // Only the first line that fails is shown; the rest are kept all the same.
-  const Row rows[] = {
-      {"a(x)=x+1\r\na(y)=y\n\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3", {7}, 2,
-       "a(x)=x+1\r\na(y)=y\r\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3\r\n"},
-      {"f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n", {21}, 0,
-       "f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n"},
-      {"g(x)=nothere(x)*2\r\nk()=(g(1)\r\n", {23}, 1, "g(x)=nothere(x)*2\r\nk()=(g(1)\r\n"},
-      {huge + "\r\nok(x)=x\r\n", {10}, 1, huge + "\r\nok(x)=x\r\n"},
-      {sixty, {9}, 49, sixty},
-  };
-  for (const Row& r : rows) {
-    SCOPED_TRACE(r.stored.substr(0, 40));
-    std::ofstream("MERIDA.DAT", std::ios::binary) << r.stored;
-    RecordingHost host;
-    Engine e(host);
-    LoadUserFunctions(e, ".");
-    EXPECT_EQ(host.errors, r.errors);
-    EXPECT_EQ(e.userFunctionCount(), r.registered);
-    ASSERT_TRUE(SaveUserFunctions(e, "."));
-    EXPECT_EQ(ReadFile("MERIDA.DAT"), r.saved);
-  }
-}
-
-// A store that is not one this program wrote (lines too long to hold, or more lines that fail
-// than it keeps) loads what it can, says so in one line, and is never saved over.
-TEST_F(StoreTest, StoresTooLargeToKeepLoadWhatTheyCanAndAreNotSavedOver) {
-  struct Row {
-    const char* name;
-    std::string stored;
-    uint64_t failed, dropped;
-    int registered;
-  };
-  std::string many = "ok(x)=x\r\n";
   for (int i = 0; i < 100000; ++i) many += "bad(\r\n";
-  const Row rows[] = {
-      {"a line of 1 MB", "a(x)=x\r\n" + std::string(1 << 20, 'b') + "\r\nc(x)=x\r\n", 2, 2, 1},
-      {"100000 lines that fail", many, 100000, 100000 - kMaxKeptLines, 1},
-  };
-  for (const Row& r : rows) {
-    SCOPED_TRACE(r.name);
-    std::ofstream("MERIDA.DAT", std::ios::binary | std::ios::trunc) << r.stored;
-    RecordingHost host;
-    Engine e(host);
-    StoreLoad load = LoadUserFunctions(e, ".");
-    EXPECT_EQ(host.errors.size(), 1u);
-    EXPECT_EQ(load.lines.failed, r.failed);
-    EXPECT_EQ(load.lines.dropped, r.dropped);
-    EXPECT_EQ(e.userFunctionCount(), r.registered);
-    EXPECT_NE(StoreLoadNotice(load).find("will not be saved over"), std::string::npos) << StoreLoadNotice(load);
-    ASSERT_TRUE(e.RegisterFormula("new(x)=x"));
-    FileResult saved = SaveUserFunctions(e, ".");
-    EXPECT_NE(saved.error.find("cannot keep"), std::string::npos) << saved.error;
-    EXPECT_EQ(ReadFile("MERIDA.DAT"), r.stored);
-  }
+  const std::string big = "a(x)=x\r\n" + std::string(1 << 20, 'b') + "\r\nc(x)=x\r\n";
+  const std::string notKept = " cannot be kept, so MERIDA.DAT will not be saved over until it is shortened";
+  const std::string notSaved = " this program cannot keep; it is left as it is until it is shortened";
+  const std::string kept = "f( x )=x+1\r\ng(x)=+x\r\nn(k)(junk)=k*2\r\np(x@y)=x+y  \r\n";
+  RunScripts({
+      {{"load", ""}, {"rec f(x,y)=x+perm(x,y)", ""}, {"rec g=2", ""}, {"rec F(a)=integ(t^2,0,a,100)+sgm(k,1,a,k)", ""},
+       {"save", ""}, {"file", "f(x@y)=x+perm(x@y)\r\ng()=2\r\nF(a)=integ(t^2@0@a@100)+sgm(k@1@a@k)\r\n"}, {"load", ""},
+       {"list", "f(x,y)=x+perm(x,y)|g()=2|F(a)=integ(t^2,0,a,100)+sgm(k,1,a,k)"}, {"calc f(5,2)", "25"},
+       {"calc F(3)", "15"}},
+      // Only the first line that fails is shown.
+      {{"write a(x)=x+1\r\na(y)=y\n\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3", ""},
+       {"load", "error 7; MERIDA.DAT: 3 lines could not be loaded (the first error is shown)"}, {"count", "2"},
+       {"save", ""}, {"file", "a(x)=x+1\r\na(y)=y\r\n2b(x)=x\r\nc(x)=x*(2\r\nd(x)=x*3\r\n"}, {"calc d(1)", "3"}},
+      {{"write f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n", ""},
+       {"load", "error 21; MERIDA.DAT: 4 lines could not be loaded (the first error is shown)"}, {"count", "0"},
+       {"save", ""}, {"file", "f(x@ )=x\r\ng(@x)=x\r\nh(x@)=x\r\nk( )=1\r\n"}},
+      {{"write g(x)=nothere(x)*2\r\nk()=(g(1)\r\n", ""}, {"load", "error 23"}, {"count", "1"}, {"save", ""},
+       {"file", "g(x)=nothere(x)*2\r\nk()=(g(1)\r\n"}},
+      {{"write " + huge + "\r\nok(x)=x\r\n", ""}, {"load", "error 10"}, {"count", "1"}, {"save", ""},
+       {"file", huge + "\r\nok(x)=x\r\n"}},
+      {{"write " + sixty, ""}, {"load", "error 9; MERIDA.DAT: 11 lines could not be loaded (the first error is shown)"},
+       {"count", "49"}, {"save", ""}, {"file", sixty}},
+      {{"write a(x)=1+x\r\nbad(\r\nb(x)=2+x\r\n", ""}, {"load", "error 23"}, {"del 1", ""}, {"rec c(x)=3+x", ""},
+       {"save", ""}, {"file", "bad(\r\nb(x)=2+x\r\nc(x)=3+x\r\n"}, {"load", "error 23"}, {"calc b(1)+c(1)", "7"}},
+      {{"write " + kept + "q(x@y)=x+y\r\n", ""}, {"load", ""}, {"del 5", ""}, {"rec r(x, y)=x*y", ""}, {"save", ""},
+       {"file", kept + "r(x@y)=x*y\r\n"}, {"load", ""},  // listed as the header parses
+       {"list", "f(x)=x+1|g(x)=x|n(k,(junk)=k*2|p(x,y)=x+y|r(x,y)=x*y"}, {"calc f(1)+p(1,2)+r(2,3)", "11"}},
+      // Functions that call each other end with an error, not a crash.
+      {{"write h(x)=g(x)\r\ng(x)=h(x)+1\r\nm(x)=sgm(m(k)@1@x@k)\r\n", ""}, {"load", ""}, {"count", "3"},
+       {"calc g(1)", "error 10"}, {"calc m(3)", "error 10"}, {"calc sgm(g(k),1,2,k)", "error 10"}},
+      // A store that is not one this program wrote (lines too long to hold, or more lines that
+      // fail than it keeps) loads what it can, says so in one line, and is never saved over.
+      {{"write " + big, ""},
+       {"load", "error 10; MERIDA.DAT: 2 lines could not be loaded (the first error is shown); 2 of them" + notKept},
+       {"count", "1"}, {"rec new(x)=x", ""}, {"save", "it holds 2 lines" + notSaved}, {"file", big}},
+      {{"write " + many, ""},
+       {"load", "error 23; MERIDA.DAT: 100000 lines could not be loaded (the first error is shown); 99744 of them" +
+                    notKept},
+       {"count", "1"}, {"rec new(x)=x", ""}, {"save", "it holds 99744 lines" + notSaved}, {"file", many}},
+      // A function deleted and defined again serves the functions that call it, across starts.
+      {{"rec f(x)=x+1", ""}, {"save", ""}, {"load", ""}, {"rec g(x)=f(x)*2", ""}, {"save", ""}, {"load", ""},
+       {"del 1", ""}, {"save", ""}, {"load", ""}, {"count", "1"}, {"calc g(1)", "error 4"}, {"rec f(x)=x+10", ""},
+       {"calc g(1)", "22"}, {"save", ""}, {"file", "g(x)=f(x)*2\r\nf(x)=x+10\r\n"}, {"load", ""}, {"calc g(2)", "24"}},
+  });
 }
 
-// Settings and store files that are not regular files, or cannot be read, load nothing and
-// never block; a huge settings file is read no further than its first line.
-TEST_F(StoreTest, OnlyRegularFilesAreReadAndOnlyAsFarAsNeeded) {
+// Two programs that loaded the same store save one after the other: neither loses the other's
+// additions or deletions; a function both defined differently refuses the later save.
+TEST(Store, SavesMergeWhatAnotherProgramSavedMeanwhile) {
+  const std::string base = "f(x)=x+1\r\ng(x)=f(x)*2\r\n";
+  const std::pair<std::string, std::string> start[] = {{"write " + base, ""}, {"load", ""}, {"B:load", ""}};
+  const std::string ab = "a(x)=x+3\r\nb(x)=x+4\r\n", conflict = "error 7; another program saved a function of the "
+                                                                      "same name there";
+  const std::vector<Steps> changes = {
+      {{"rec a(x)=x+3", ""}, {"B:rec b(x)=x+4", ""}, {"save", ""}, {"B:save", ""}, {"B:text", base + ab}},
+      {{"B:rec b(x)=x+4", ""}, {"B:del 1", ""}, {"save", ""}, {"B:save", ""},
+       {"B:text", "g(x)=f(x)*2\r\nb(x)=x+4\r\n"}},
+      {{"rec a(x)=x+3", ""}, {"B:del 2", ""}, {"save", ""}, {"B:save", ""}, {"B:text", "f(x)=x+1\r\na(x)=x+3\r\n"}},
+      {{"rec a(x)=x+3", ""}, {"B:rec a(x)=x+3", ""}, {"save", ""}, {"B:save", ""}, {"B:text", base + "a(x)=x+3\r\n"}},
+      {{"rec a(x)=x+3", ""}, {"B:rec a(x)=x+5", ""}, {"save", ""}, {"B:save", conflict}, {"B:count", "3"},
+       {"file", base + "a(x)=x+3\r\n"}},
+      {{"rec a(x)=x+3", ""}, {"B:rec b(x)=x+5", ""}, {"B:rec a(x)=x+5", ""}, {"save", ""}, {"B:save", conflict},
+       {"B:count", "4"}, {"file", base + "a(x)=x+3\r\n"}},
+  };
+  std::vector<Steps> scripts;
+  for (const Steps& c : changes) {
+    Steps s(std::begin(start), std::end(start));
+    s.insert(s.end(), c.begin(), c.end());
+    if (s.back().first == "B:text") {  // A saves again without changes: B's changes stay
+      s.insert(s.end(), {{"file", s.back().second}, {"save", ""}, {"text", s.back().second}});
+    }
+    scripts.push_back(s);
+  }
+  RunScripts(scripts);
+}
+
+// A stop button pressed during a run of sums nested through calls ends the whole run, and a
+// window handling events inside a long sum cannot change the function table.
+TEST(UserFunctions, RunsAreStoppedAndKeepTheirFunctionTable) {
+  for (const auto& [formula, stopAfter] :
+       {std::pair{"g(32)", 50}, {"g(32)", 1}, {"sgm(g(j),1,32,j)", 50}, {"2*g(20)+1", 500}}) {
+    test::StoppingHost host;
+    Engine e(host);
+    ASSERT_TRUE(e.RegisterFormula("h(n)=sgm(g(k),0,n,k)"));
+    ASSERT_TRUE(e.RegisterFormula("g(x)=h(x-1)/1"));
+    host.engine = &e;
+    host.stopAt = stopAfter;
+    EXPECT_FALSE(Calc(e, formula)) << formula;
+    // Each level ends at its next poll once the stop is set; nothing starts afresh.
+    EXPECT_LT(host.checkpoints, stopAfter + 100) << formula;
+    EXPECT_FALSE(e.busy());
+  }
+  struct DeletingHost : RecordingHost {
+    Engine* engine = nullptr;
+    bool changed = true;
+    void checkpoint() override {
+      if (engine) changed = engine->DeleteFunction(1) || engine->RegisterFormula("z(x)=x");
+    }
+  } host;
+  Engine e(host);
+  ASSERT_TRUE(e.RegisterFormula("sq(x)=x*x"));
+  ASSERT_TRUE(e.RegisterFormula("s(n)=sgm(sq(k),1,n,k)"));
+  host.engine = &e;
+  EXPECT_EQ(Calc(e, "s(100)+sq(2)"), "338354");  // long enough for a checkpoint
+  EXPECT_FALSE(host.changed);
+  host.engine = nullptr;
+  EXPECT_TRUE(e.DeleteFunction(1));
+}
+
+// MERIDA.DEF's first line names the language. Files that are not regular files, or cannot be
+// read, load nothing and never block; a huge settings file is read no further than its first
+// line; a binary store loads what it can; a stale temporary is gone after the next save.
+TEST(Store, SettingsAndHostileFiles) {
+  test::TempDirScope dir;
+  const std::pair<const char*, int16_t> rows[] = {{"Japanese\r\n", 2}, {"English\r\n", 1}, {"japanese\r\n", 1},
+                                                  {"Japanese", 2},     {"", 1},            {"French\r\n", 1},
+                                                  {"Japanese,x\r\n", 1}};
+  for (const auto& [contents, language] : rows) {
+    std::ofstream("MERIDA.DEF", std::ios::binary) << contents;
+    EXPECT_EQ(ReadDisplayLanguage(".", 1), language) << contents;
+  }
+  std::filesystem::remove("MERIDA.DEF");
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 1);
+  ASSERT_TRUE(WriteDisplayLanguage(".", 2));
+  ::chmod("MERIDA.DEF", 0444);
+  EXPECT_EQ(WriteDisplayLanguage(".", 1).error, "the file is read-only");
+  EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
+  std::filesystem::remove("MERIDA.DEF");
   ASSERT_EQ(::mkfifo("MERIDA.DAT", 0644), 0);
   ASSERT_EQ(::mkfifo("MERIDA.DEF", 0644), 0);
   RecordingHost host;
@@ -249,9 +254,7 @@ TEST_F(StoreTest, OnlyRegularFilesAreReadAndOnlyAsFarAsNeeded) {
   EXPECT_EQ(ReadDisplayLanguage(".", 1), 1);
   std::filesystem::remove("MERIDA.DAT");
   std::filesystem::create_symlink("/proc/self/mem", "MERIDA.DAT");
-  StoreLoad load = LoadUserFunctions(e, ".");
-  EXPECT_EQ(load.error, "Input/output error");
-  EXPECT_EQ(StoreLoadNotice(load), "cannot read MERIDA.DAT: Input/output error");
+  EXPECT_EQ(StoreLoadNotice(LoadUserFunctions(e, ".")), "cannot read MERIDA.DAT: Input/output error");
   EXPECT_FALSE(SaveUserFunctions(e, ".")) << "a store that cannot be read is not saved over";
   EXPECT_TRUE(std::filesystem::is_symlink("MERIDA.DAT"));
   EXPECT_TRUE(host.errors.empty());
@@ -260,261 +263,138 @@ TEST_F(StoreTest, OnlyRegularFilesAreReadAndOnlyAsFarAsNeeded) {
   std::ofstream("MERIDA.DEF", std::ios::binary) << "Japanese\r\n";
   std::filesystem::resize_file("MERIDA.DEF", uint64_t{2} << 30);
   EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
-}
-
-TEST_F(StoreTest, LoadedLinesAreSavedAsWrittenAndListedAsRegistered) {
-  struct Row {
-    std::string stored, listed;
-  };
-  const Row rows[] = {
-      {"f( x )=x+1", "f(x)=x+1"},
-      {"g(x)=+x", "g(x)=x"},
-      {"n(k)(junk)=k*2", "n(k,(junk)=k*2"},  // listed as the header parses
-      {"p(x@y)=x+y  ", "p(x,y)=x+y"},
-      {"q(x@y)=x+y", "q(x,y)=x+y"},
-  };
-  std::string stored;
-  for (const Row& r : rows) stored += r.stored + "\r\n";
-  std::ofstream("MERIDA.DAT", std::ios::binary) << stored;
-  RecordingHost host;
-  Engine e(host);
-  LoadUserFunctions(e, ".");
-  ASSERT_EQ(e.userFunctionCount(), 5);
-  for (int k = 1; k <= 5; ++k) EXPECT_EQ(e.FunctionListLine(k), rows[k - 1].listed);
-  ASSERT_TRUE(e.DeleteFunction(2));
-  ASSERT_TRUE(e.RegisterFormula("r(x, y)=x*y"));
-  ASSERT_TRUE(SaveUserFunctions(e, "."));
-  EXPECT_EQ(ReadFile("MERIDA.DAT"), "f( x )=x+1\r\nn(k)(junk)=k*2\r\np(x@y)=x+y  \r\nq(x@y)=x+y\r\nr(x@y)=x*y\r\n");
-  EXPECT_EQ(Calc(e, "f(1)+p(1,2)+r(2,3)"), "11");
-}
-
-TEST_F(StoreTest, KeptLinesStayBetweenTheirNeighboursAcrossDeleteAndRec) {
-  std::ofstream("MERIDA.DAT", std::ios::binary) << "a(x)=1+x\r\nbad(\r\nb(x)=2+x\r\n";
-  RecordingHost host;
-  Engine e(host);
-  LoadUserFunctions(e, ".");
-  ASSERT_EQ(e.userFunctionCount(), 2);
-  ASSERT_TRUE(e.DeleteFunction(1));
-  ASSERT_TRUE(e.RegisterFormula("c(x)=3+x"));
-  ASSERT_TRUE(SaveUserFunctions(e, "."));
-  EXPECT_EQ(ReadFile("MERIDA.DAT"), "bad(\r\nb(x)=2+x\r\nc(x)=3+x\r\n");
-  EXPECT_EQ(Calc(e, "b(1)+c(1)"), "7");
-}
-
-TEST_F(StoreTest, RedefiningADeletedFunctionKeepsTheFunctionsThatCallIt) {
-  RecordingHost host;
-  auto restart = [&](auto&& action) {
-    Engine e(host);
-    LoadUserFunctions(e, ".");
-    action(e);
-    ASSERT_TRUE(SaveUserFunctions(e, "."));
-  };
-  restart([](Engine& e) { ASSERT_TRUE(e.RegisterFormula("f(x)=x+1")); });
-  restart([](Engine& e) { ASSERT_TRUE(e.RegisterFormula("g(x)=f(x)*2")); });
-  restart([](Engine& e) { ASSERT_TRUE(e.DeleteFunction(1)); });
-  restart([&](Engine& e) {
-    ASSERT_EQ(e.userFunctionCount(), 1);
-    EXPECT_FALSE(Calc(e, "g(1)"));
-    EXPECT_EQ(host.errors, std::vector<int>{4});
-    ASSERT_TRUE(e.RegisterFormula("f(x)=x+10"));
-    EXPECT_EQ(Calc(e, "g(1)"), "22");
-  });
-  EXPECT_EQ(ReadFile("MERIDA.DAT"), "g(x)=f(x)*2\r\nf(x)=x+10\r\n");
-  Engine e(host);
-  LoadUserFunctions(e, ".");
-  EXPECT_EQ(Calc(e, "g(2)"), "24");
-  EXPECT_EQ(host.errors, std::vector<int>{4});
-}
-
-TEST_F(StoreTest, FunctionsThatCallEachOtherEndWithAnErrorNotACrash) {
-  std::ofstream("MERIDA.DAT", std::ios::binary) << "h(x)=g(x)\r\ng(x)=h(x)+1\r\nm(x)=sgm(m(k)@1@x@k)\r\n";
-  RecordingHost host;
-  Engine e(host);
-  LoadUserFunctions(e, ".");
-  ASSERT_EQ(e.userFunctionCount(), 3);
-  for (const char* formula : {"g(1)", "m(3)", "sgm(g(k),1,2,k)"}) {
-    host.errors.clear();
-    EXPECT_FALSE(Calc(e, formula)) << formula;
-    EXPECT_EQ(host.errors, std::vector<int>{10}) << formula;
-  }
-  EXPECT_FALSE(e.busy());
-}
-
-TEST_F(StoreTest, MissingOrBinaryStoreLoadsNothingAndNeverCrashes) {
-  RecordingHost host;
-  Engine e(host);
-  LoadUserFunctions(e, ".");
-  EXPECT_EQ(e.userFunctionCount(), 0);
+  std::filesystem::remove("MERIDA.DEF");
+  std::filesystem::remove("MERIDA.DAT");
   std::string junk;
   for (int i = 0; i < 4096; ++i) junk += static_cast<char>((i * 7919) % 256);
   std::ofstream("MERIDA.DAT", std::ios::binary) << junk;
-  LoadUserFunctions(e, ".");
-  for (int k = 1; k <= e.userFunctionCount(); ++k) EXPECT_FALSE(e.FunctionListLine(k).empty());
-}
-
-TEST_F(StoreTest, SavingLeavesNoTemporaryFilesAndStaleOnesAreRemoved) {
   std::ofstream("MERIDA.DAT.merida-tmp-abc123") << "half written";
-  RecordingHost host;
-  Engine e(host);
-  LoadUserFunctions(e, ".");
-  ASSERT_TRUE(e.RegisterFormula("s(x)=x"));
-  ASSERT_TRUE(SaveUserFunctions(e, "."));
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(".")) {
-    ++files;
-    EXPECT_EQ(entry.path().filename(), "MERIDA.DAT");
-  }
-  EXPECT_EQ(files, 1);
+  Engine binary(host);
+  LoadUserFunctions(binary, ".");
+  for (int k = 1; k <= binary.userFunctionCount(); ++k) EXPECT_FALSE(binary.FunctionListLine(k).empty());
+  ASSERT_TRUE(SaveUserFunctions(binary, "."));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), std::filesystem::directory_iterator()), 1);
 }
 
-TEST_F(StoreTest, DisplayLanguageFile) {
-  struct Row {
-    const char* contents;
-    int16_t language;
-  };
-  const Row rows[] = {{"Japanese\r\n", 2}, {"English\r\n", 1}, {"japanese\r\n", 1}, {"Japanese", 2},
-                      {"", 1},             {"French\r\n", 1},  {"Japanese,x\r\n", 1}};
-  for (const Row& r : rows) {
-    std::ofstream("MERIDA.DEF", std::ios::binary) << r.contents;
-    EXPECT_EQ(ReadDisplayLanguage(".", 1), r.language) << r.contents;
-  }
-  std::filesystem::remove("MERIDA.DEF");
-  EXPECT_EQ(ReadDisplayLanguage(".", 1), 1);
-  ASSERT_TRUE(WriteDisplayLanguage(".", 2));
-  ::chmod("MERIDA.DEF", 0444);
-  EXPECT_EQ(WriteDisplayLanguage(".", 1).error, "the file is read-only");
-  EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
-  EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
-}
-
-TEST(UserFunctions, FunctionsWithoutParametersAreCalledWithEmptyParentheses) {
-  test::RecordingHost host;
-  Engine e(host);
-  ASSERT_TRUE(e.RegisterFormula("g=2*PI"));
-  EXPECT_EQ(e.FunctionListLine(1), "g()=2*PI");
-  EXPECT_EQ(Calc(e, "2*g()^2"), "78.9568352087147");
-  EXPECT_TRUE(host.errors.empty());
-}
-
-// A window handling events inside a long sum may try to change the function table.
-class DeletingHost : public test::RecordingHost {
- public:
-  Engine* engine = nullptr;
-  bool deleted = true, registered = true;
-  void checkpoint() override {
-    if (engine) {
-      deleted = engine->DeleteFunction(1);
-      registered = engine->RegisterFormula("z(x)=x");
+class AtomicFileTest : public test::TempDirTest {
+ protected:
+  void TearDown() override {  // nothing ever leaves a temporary behind
+    for (const auto& e : std::filesystem::recursive_directory_iterator(".")) {
+      EXPECT_EQ(e.path().filename().string().find(".merida-tmp-"), std::string::npos) << e.path();
     }
+    TempDirTest::TearDown();
   }
 };
 
-TEST(UserFunctions, FunctionTableIsNotChangedDuringARun) {
-  DeletingHost host;
-  Engine e(host);
-  ASSERT_TRUE(e.RegisterFormula("sq(x)=x*x"));
-  ASSERT_TRUE(e.RegisterFormula("s(n)=sgm(sq(k),1,n,k)"));
-  host.engine = &e;
-  EXPECT_EQ(Calc(e, "s(100)+sq(2)"), "338354");  // long enough for a checkpoint
-  EXPECT_FALSE(host.deleted);
-  EXPECT_FALSE(host.registered);
-  host.engine = nullptr;
-  EXPECT_FALSE(e.busy());
-  EXPECT_TRUE(e.DeleteFunction(1));
+mode_t ModeOf(const char* path) {
+  struct stat st {};
+  return ::stat(path, &st) == 0 ? (st.st_mode & 07777) : 0;
 }
 
-// Two programs that loaded the same store save one after the other: neither loses the
-// other's additions or deletions.
-TEST(StoreMerge, SavesMergeWhatAnotherProgramSavedMeanwhile) {
-  struct Row {
-    std::vector<std::string> recA, recB;
-    int delB;  // 0 = none
-    std::string saved;
-    int conflict = 0;  // the error B's save meets: B's save is refused, the file is A's
-  };
-  const std::string base = "f(x)=x+1\r\ng(x)=f(x)*2\r\n";
-  const Row rows[] = {
-      {{"a(x)=x+3"}, {"b(x)=x+4"}, 0, base + "a(x)=x+3\r\nb(x)=x+4\r\n"},
-      {{}, {"b(x)=x+4"}, 1, "g(x)=f(x)*2\r\nb(x)=x+4\r\n"},
-      {{"a(x)=x+3"}, {}, 2, "f(x)=x+1\r\na(x)=x+3\r\n"},
-      {{"a(x)=x+3"}, {"a(x)=x+3"}, 0, base + "a(x)=x+3\r\n"},
-      {{"a(x)=x+3"}, {"a(x)=x+5"}, 0, base + "a(x)=x+3\r\n", 7},
-      {{"a(x)=x+3"}, {"b(x)=x+5", "a(x)=x+5"}, 0, base + "a(x)=x+3\r\n", 7},
-  };
-  for (const Row& r : rows) {
-    test::TempDirScope dir;
-    std::ofstream("MERIDA.DAT", std::ios::binary) << base;
-    test::RecordingHost host;
-    Engine a(host), b(host);
-    LoadUserFunctions(a, ".");
-    LoadUserFunctions(b, ".");
-    for (const auto& f : r.recA) ASSERT_TRUE(a.RegisterFormula(f));
-    for (const auto& f : r.recB) ASSERT_TRUE(b.RegisterFormula(f));
-    if (r.delB) {
-      ASSERT_TRUE(b.DeleteFunction(r.delB));
+TEST_F(AtomicFileTest, NewFilesFollowTheUmaskReplacedFilesKeepTheirMode) {
+  const std::tuple<mode_t, int, mode_t> rows[] = {  // umask, the old file's mode (-1: none), the new mode
+      {022, -1, 0644},   {077, -1, 0600},   {002, -1, 0664},   {0, -1, 0666},
+      {022, 0640, 0640}, {077, 0664, 0664}, {022, 0600, 0600}, {0, 0200, 0200}};
+  for (const auto& [umask, existing, expected] : rows) {
+    SCOPED_TRACE(testing::Message() << std::oct << "umask " << umask << " existing " << existing);
+    std::filesystem::remove("MERIDA.DAT");
+    if (existing >= 0) {
+      std::ofstream("MERIDA.DAT") << "old\r\n";
+      ASSERT_EQ(::chmod("MERIDA.DAT", static_cast<mode_t>(existing)), 0);
     }
-    ASSERT_TRUE(SaveUserFunctions(a, "."));
-    host.errors.clear();
-    EXPECT_EQ(static_cast<bool>(SaveUserFunctions(b, ".")), r.conflict == 0);
-    EXPECT_EQ(host.errors, r.conflict ? std::vector<int>{r.conflict} : std::vector<int>{});
-    EXPECT_EQ(ReadFile("MERIDA.DAT"), r.saved);
-    if (r.conflict) {
-      EXPECT_EQ(b.userFunctionCount(), 2 + static_cast<int>(r.recB.size())) << "B keeps its functions to resolve";
-      continue;
-    }
-    EXPECT_EQ(b.StoreText(), r.saved) << "the later saver holds what it saved";
-    // A saves again without changes: B's changes stay.
-    ASSERT_TRUE(SaveUserFunctions(a, "."));
-    EXPECT_EQ(a.StoreText(), r.saved);
+    mode_t previous = ::umask(umask);
+    FileResult written = WriteFileAtomically("MERIDA.DAT", "new\r\n");
+    ::umask(previous);
+    ASSERT_TRUE(written) << written.error;
+    EXPECT_EQ(ModeOf("MERIDA.DAT"), expected);
+    EXPECT_EQ(test::FileText("MERIDA.DAT"), "new\r\n");
   }
 }
 
-// The list (and the store) shows a body as written, whatever was lifted out of it.
-TEST(UserFunctions, IntegralsInsideSumsAreListedAsWritten) {
-  struct Row {
-    const char* formula;
-    const char* call;
-    const char* answer;  // null: not called (a sum's limits are read as constant texts)
+// Links are followed and kept; a refused or failed save says why and changes nothing, neither
+// the target nor what a link names.
+TEST_F(AtomicFileTest, LinksAreFollowedAndRefusalsChangeNothing) {
+  std::filesystem::create_directory("data");
+  for (const char* name : {"data/store.dat", "data/orbita.orb", "readonly"}) std::ofstream(name) << "old";
+  ::chmod("data/store.dat", 0640);
+  ::chmod("readonly", 0444);
+  ::mkfifo("fifo", 0644);
+  for (const auto& [target, link] : {std::pair{"data/store.dat", "MERIDA.DAT"}, {"data/orbita.orb", "link2"},
+                                     {"link2", "ORBITA.ORB"}, {"data/new.def", "MERIDA.DEF"}, {"/dev/null", "null"},
+                                     {"loop", "loop"}, {"readonly", "to-readonly"}}) {
+    std::filesystem::create_symlink(target, link);
+  }
+  const std::tuple<const char*, const char*, const char*> rows[] = {  // path, error, the file it names
+      {"MERIDA.DAT", "", "data/store.dat"}, {"ORBITA.ORB", "", "data/orbita.orb"},  // through a second link
+      {"MERIDA.DEF", "", "data/new.def"},   {"missing/MERIDA.DAT", "No such file or directory", ""},
+      {"data", "Is a directory", ""},       {"fifo", "not a regular file", ""},
+      {"null", "not a regular file", ""},  // never a device, even when root may write it
+      {"loop", "Too many levels of symbolic links", ""},
+      {"readonly", "the file is read-only", "readonly"},  // even to root, as the mode says
+      {"to-readonly", "the file is read-only", "readonly"},
   };
-  const Row rows[] = {
-      {"h(n)=sgm(integ(x,0,2,10)*k,1,n,k)", "h(2)", "6"},
-      {"h(n)=sgm(k,1,integ(x,0,2,2),k)+integ(t,0,n,2)", "h(2)", nullptr},
-      {"h(n)=integ(x,0,n,2)+sgm(integ(t,0,1,2)+k,1,2,k)*integ(x,0,1,2)", "h(2)", "4"},
+  for (const auto& [path, error, real] : rows) {
+    EXPECT_EQ(WriteFileAtomically(path, "new").error, error) << path;
+    EXPECT_TRUE(!*real || test::FileText(real) == std::string(*error ? "old" : "new")) << path;
+  }
+  EXPECT_EQ(ModeOf("data/store.dat"), 0640u);
+  EXPECT_EQ(ModeOf("readonly"), 0444u);
+  EXPECT_EQ(std::filesystem::read_symlink("ORBITA.ORB"), "link2");
+  EXPECT_TRUE(std::filesystem::is_fifo("fifo") && std::filesystem::is_character_file("/dev/null"));
+}
+
+// The kernel's rule for links in a sticky, world-writable directory such as /tmp: followed
+// when the link is the writer's own or the directory owner's, refused when another user
+// planted it. Changing owners needs root.
+TEST_F(AtomicFileTest, LinksPlantedByAnotherUserInAStickyDirectoryAreNotFollowed) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs root to give a link to another user";
+  constexpr uid_t kOther = 65534;
+  const std::tuple<uid_t, uid_t, mode_t, bool> rows[] = {  // directory and link owner, mode, followed
+      {0, kOther, 01777, false},      // planted by another user
+      {0, 0, 01777, true},            // the writer's own
+      {kOther, kOther, 01777, true},  // the directory owner's
+      {0, kOther, 0777, true},        // not sticky: anyone could replace the file anyway
   };
-  for (const Row& r : rows) {
-    test::RecordingHost host;
-    Engine e(host);
-    ASSERT_TRUE(e.RegisterFormula(r.formula)) << r.formula;
-    EXPECT_EQ(e.FunctionListLine(1), r.formula);
-    if (r.answer) {
-      EXPECT_EQ(Calc(e, r.call), r.answer) << r.formula;
-    }
-    Engine loaded(host);
-    loaded.LoadStoreText(e.StoreText());
-    EXPECT_EQ(loaded.FunctionListLine(1), r.formula);
-    EXPECT_TRUE(host.errors.empty()) << r.formula;
+  for (const auto& [dirOwner, linkOwner, dirMode, followed] : rows) {
+    SCOPED_TRACE(testing::Message() << "dir " << dirOwner << " link " << linkOwner << std::oct << " " << dirMode);
+    std::filesystem::remove_all("shared");
+    std::filesystem::create_directory("shared");
+    ASSERT_EQ(::chmod("shared", dirMode), 0);
+    ASSERT_EQ(::chown("shared", dirOwner, 0), 0);
+    std::filesystem::create_symlink(std::filesystem::absolute("victim"), "shared/out.wav");
+    ASSERT_EQ(::lchown("shared/out.wav", linkOwner, 0), 0);
+    std::ofstream("victim") << "precious";
+    FileResult w = WriteFileAtomically("shared/out.wav", "new");
+    EXPECT_EQ(static_cast<bool>(w), followed) << w.error;
+    EXPECT_EQ(test::FileText("victim"), followed ? "new" : "precious");
+    EXPECT_TRUE(std::filesystem::is_symlink("shared/out.wav"));
   }
 }
 
-// A stop button pressed during a run of sums nested through calls ends the whole run.
-TEST(UserFunctions, AStopEndsSumsNestedThroughCalls) {
-  struct Row {
-    const char* formula;
-    int stopAfter;
-  };
-  const Row rows[] = {{"g(32)", 50}, {"g(32)", 1}, {"sgm(g(j),1,32,j)", 50}, {"2*g(20)+1", 500}};
-  for (const Row& r : rows) {
-    test::StoppingHost host;
-    Engine e(host);
-    ASSERT_TRUE(e.RegisterFormula("h(n)=sgm(g(k),0,n,k)"));
-    ASSERT_TRUE(e.RegisterFormula("g(x)=h(x-1)/1"));
-    host.engine = &e;
-    host.stopAt = r.stopAfter;
-    EXPECT_FALSE(Calc(e, r.formula)) << r.formula;
-    // Each level ends at its next poll once the stop is set; nothing starts afresh.
-    EXPECT_LT(host.checkpoints, r.stopAfter + 100) << r.formula;
-    EXPECT_FALSE(e.busy());
+// Only temporaries whose writer is gone are removed; a lock follows the file it locks across
+// its replacement.
+TEST_F(AtomicFileTest, StaleTemporariesAndLocks) {
+  const char *dead = "MERIDA.DAT.merida-tmp-dead01", *live = "MERIDA.DAT.merida-tmp-live01";
+  for (const char* name : {dead, live, "notes.txt"}) std::ofstream(name) << "some";
+  int fd = ::open(live, O_RDONLY);  // a running writer holds its temporary locked
+  ASSERT_EQ(::flock(fd, LOCK_EX), 0);
+  RemoveStaleTemporaries(".");
+  EXPECT_TRUE(!std::filesystem::exists(dead) && std::filesystem::exists(live) && std::filesystem::exists("notes.txt"));
+  ::close(fd);  // the writer ended without renaming: now it is stale
+  RemoveStaleTemporaries(".");
+  EXPECT_FALSE(std::filesystem::exists(live));
+  {
+    FileLock lock("MERIDA.DAT");  // creates the file it locks
+    ASSERT_TRUE(lock.held());
+    EXPECT_EQ(test::FileText("MERIDA.DAT"), "");
+    ASSERT_TRUE(WriteFileAtomically("MERIDA.DAT", "new"));
   }
+  FileLock again("MERIDA.DAT");  // on the new file, and free
+  EXPECT_TRUE(again.held());
+  fd = ::open("MERIDA.DAT", O_RDONLY);
+  EXPECT_NE(::flock(fd, LOCK_EX | LOCK_NB), 0);  // held by `again`
+  ::close(fd);
+  EXPECT_FALSE(FileLock("missing/MERIDA.DAT").held());
 }
 
 }  // namespace

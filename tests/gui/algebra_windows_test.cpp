@@ -1,326 +1,215 @@
-// The Simultaneous Linear Equation window in both modes and the Prime window, driven as a user would.
-#include <gtest/gtest.h>
-
+// The Intersection Point, Simultaneous Linear Equation and Prime windows: where their results
+// go (list, chart, boxes, the main formula box), boxes they rewrite, stopping their runs; the
+// grid's cells shown whole and typed into.
 #include <QElapsedTimer>
+#include <QListWidget>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QTest>
-#include <QTranslator>
+#include <QStyle>
 
 #include "algebra/prime_window.h"
+#include "algebra/root_window.h"
+#include "algebra/roots.h"
 #include "algebra/simult_window.h"
-#include "test_support.h"
+#include "gui_fixture.h"
+#include "stats/stat_data_window.h"
 
-namespace merida {
+namespace merida::test {
 namespace {
 
-class AlgebraWindowTest : public ::testing::Test {
- protected:
-  void useJapanese() {
-    state.DisplayLanguage = kJapanese;
-    ASSERT_TRUE(translator.load(":/i18n/merida_ja.qm"));
-    QCoreApplication::installTranslator(&translator);
-  }
-  void TearDown() override { QCoreApplication::removeTranslator(&translator); }
-
-  test::RecordingHost host;
-  Engine engine{host};
-  AppState state;
-  QWidget owner;
-  QTranslator translator;
-};
-
-using Lines = std::vector<std::string>;
-
-Lines ListLines(const QListWidget* list) {
-  Lines lines;
-  for (int i = 0; i < list->count(); ++i) lines.push_back(list->item(i)->text().toStdString());
-  return lines;
-}
-
-std::string Cell(const SimultWindow* w, int row, int column) {
-  return w->Grid1->item(row, column)->text().toStdString();
-}
-
-// Types each text into the entry box followed by Enter.
-void Enter(SimultWindow* w, const std::vector<const char*>& texts) {
-  for (const char* t : texts) {
-    QTest::keyClicks(w->Text2, t);
-    QTest::keyClick(w->Text2, Qt::Key_Return);
-  }
-}
-
-void SetDimension(SimultWindow* w, const char* n) {
-  w->Text1->clear();
-  QTest::keyClicks(w->Text1, n);
-  QTest::keyClick(w->Text1, Qt::Key_Return);
-}
-
-TEST_F(AlgebraWindowTest, EquationsModeLayout) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  EXPECT_EQ(w->windowTitle(), "Simultaneous Linear Equation");
-  EXPECT_EQ(w->Text1->text(), "3");
-  ASSERT_EQ(w->Grid1->rowCount(), 4);
-  ASSERT_EQ(w->Grid1->columnCount(), 5);
-  EXPECT_EQ(Cell(w, 0, 0), "Coeff");
-  EXPECT_EQ(Cell(w, 0, 4), " c");
-  EXPECT_EQ(Cell(w, 3, 0), "3");
-  EXPECT_TRUE(w->Command1->isEnabled());
-  EXPECT_TRUE(w->Label1->isVisible());
-}
-
-TEST_F(AlgebraWindowTest, MatrixModeLayout) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kMatrixMode);
-  EXPECT_EQ(state.MatrixWindowMode, 1);
-  EXPECT_EQ(w->windowTitle(), "Determinant & Inverse Matrix");
-  EXPECT_EQ(w->Grid1->columnCount(), 4);
-  EXPECT_EQ(Cell(w, 0, 3), " a3");
-  EXPECT_FALSE(w->Command1->isEnabled());
-  EXPECT_FALSE(w->Command5->isEnabled());
-  EXPECT_TRUE(w->Command3->isEnabled());
-  EXPECT_TRUE(w->Command4->isEnabled());
-  EXPECT_FALSE(w->Label1->isVisible());
-  // The Simult button on the open window switches it back to equations.
-  EXPECT_EQ(ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode), w);
-  EXPECT_EQ(w->Grid1->columnCount(), 5);
-  EXPECT_TRUE(w->Command1->isEnabled());
-}
-
-TEST_F(AlgebraWindowTest, JapaneseCaptions) {
-  useJapanese();
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  EXPECT_EQ(w->windowTitle(), "連立一次方程式");
-  EXPECT_EQ(Cell(w, 0, 0), "係数");
-  EXPECT_EQ(w->Label2->text(), "次元");
-  EXPECT_EQ(w->Command4->text(), "逆行列");
-  ShowSimultWindow(&owner, engine, state, SimultWindow::kMatrixMode);
-  EXPECT_EQ(w->windowTitle(), "行列式・逆行列");
-}
-
-TEST_F(AlgebraWindowTest, EntryBoxFillsTheGridAndGoSolves) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  SetDimension(w, "2");
-  ASSERT_EQ(w->Grid1->rowCount(), 3);
-  ASSERT_EQ(w->Grid1->columnCount(), 4);
-  Enter(w, {"2", "1", "3"});
-  EXPECT_EQ(w->currentCell(), (CellPosition{2, 1}));
-  Enter(w, {"1", "-1", "0"});
-  EXPECT_EQ(w->currentCell(), (CellPosition{1, 1}));
-  EXPECT_EQ(Cell(w, 1, 3), "3");
-  EXPECT_EQ(Cell(w, 2, 2), "-1");
-  EXPECT_TRUE(w->Text2->text().isEmpty());
+TEST_F(GuiTest, IntersectionListChartBoxesAndStop) {
+  start();
+  auto* w = open<IntersectionWindow>();
+  fill(w, {{"formula", "x^2-4"}, {"Text1", "-3"}, {"Text2", "3"}, {"Text3", "50"}});
+  click(w, "Command1");
+  EXPECT_TRUE(w->Graph1->points(1).isEmpty()) << "no chart while Graph is off";
+  ASSERT_EQ(w->rootX().size(), 2u);
+  // A double click writes the root without its blank, with all its digits or, Integer on, in hundredths.
+  auto doubleClick = [w](int row) {
+    QCoreApplication::processEvents();
+    const QPoint at = w->List1->visualItemRect(w->List1->item(row)).center();
+    QTest::mouseClick(w->List1->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(w->List1->viewport(), Qt::LeftButton, {}, at);
+  };
+  doubleClick(1);
+  EXPECT_EQ(w->Text6->text().toStdString(), PolynomialBoxText(w->rootX()[1], false));
+  ClickBox(w->Check2);
+  doubleClick(0);
+  EXPECT_EQ(w->Text6->text(), "-2");
+  ClickBox(w->Check1);  // Graph: Go charts its samples, Inter both curves
+  click(w, "Command1");
+  EXPECT_EQ(w->Graph1->points(1).size(), 51);
+  fill(w, {{"formula", "x^2"}, {"Text5", "x"}, {"Text1", "-1"}, {"Text2", "2"}, {"Text3", "10000"}});
+  enter(w->Text5, "x");  // Enter in the second function's box is Inter
+  EXPECT_EQ(Lines(w->List1), (QStringList{"x= 0  y= 0", "x= 1  y= 1"}));
+  EXPECT_EQ(w->Text3->text(), "3000") << "the capped count";
+  EXPECT_EQ(std::pair(w->Graph1->dataSets(), w->Graph1->points(2).back()), std::pair(2, QPointF(2, 2)));
+  // Close during a scan stops it and keeps the list.
+  fill(w, {{"formula", "sin(x)+sgm(k*x,1,100000,k)"}, {"Text1", "0"}, {"Text2", "1000"}, {"Text3", "5999"}});
   QTest::mouseClick(w->Command1, Qt::LeftButton);
-  EXPECT_EQ(ListLines(w->List1), (Lines{" X1 =  1", " X2 =  1"}));
-  QTest::mouseClick(w->Command5, Qt::LeftButton);
-  EXPECT_EQ(ListLines(w->List1), (Lines{" X1 =  1", " X2 =  1"}));
-}
-
-TEST_F(AlgebraWindowTest, KeysAreTakenInUpperCase) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  QTest::keyClicks(w->Text2, "1e-3");
-  EXPECT_EQ(w->Text2->text(), "1E-3");
-  QTest::keyClick(w->Text2, Qt::Key_Return);
-  EXPECT_EQ(Cell(w, 1, 1), "1E-3");
-}
-
-TEST_F(AlgebraWindowTest, DimensionAboveTenBecomesTen) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  Enter(w, {"5"});
-  SetDimension(w, "15");
-  EXPECT_EQ(w->Text1->text(), "10");
-  EXPECT_EQ(w->systemOrder(), 10);
-  EXPECT_EQ(w->Grid1->rowCount(), 11);
-  EXPECT_EQ(w->Grid1->columnCount(), 12);
-  EXPECT_EQ(Cell(w, 1, 1), "");  // cleared to the new size
-  SetDimension(w, "zero");
-  EXPECT_EQ(w->systemOrder(), 10);
-}
-
-TEST_F(AlgebraWindowTest, MessagesAndSilentEnds) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  SetDimension(w, "2");
-  Enter(w, {"0", "1", "1", "1", "0", "2"});
-  QTest::mouseClick(w->Command1, Qt::LeftButton);
-  const Lines zeroPivot = {"対角要素が０になり", "計算できません", "係数の行または列を", "交換してください"};
-  EXPECT_EQ(ListLines(w->List1), zeroPivot);
-
-  w->Grid1->item(2, 2)->setText("");
-  QTest::mouseClick(w->Command5, Qt::LeftButton);
-  EXPECT_EQ(ListLines(w->List1), zeroPivot);  // an empty cell changes nothing
-  EXPECT_TRUE(host.errors.empty());
-
-  w->Grid1->item(2, 2)->setText("x2");
-  QTest::mouseClick(w->Command1, Qt::LeftButton);
-  EXPECT_EQ(host.errors, std::vector<int>{46});
-  EXPECT_EQ(ListLines(w->List1), zeroPivot);
-  EXPECT_EQ(w->currentCell(), (CellPosition{2, 2}));
-}
-
-TEST_F(AlgebraWindowTest, OverflowEndsWithoutAMessage) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  SetDimension(w, "1");
-  Enter(w, {"0", "1"});
-  QTest::mouseClick(w->Command1, Qt::LeftButton);
-  EXPECT_EQ(w->List1->count(), 0);
-  EXPECT_TRUE(host.errors.empty());
-  EXPECT_EQ(engine.BindToX, -1);
-  EXPECT_EQ(engine.StopRequested, 1);
-}
-
-TEST_F(AlgebraWindowTest, InverseWritesBackAndDeterminantLists) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kMatrixMode);
-  SetDimension(w, "2");
-  Enter(w, {"4", "7"});
-  EXPECT_EQ(w->currentCell(), (CellPosition{2, 1}));
-  Enter(w, {"2", "6"});
-  QTest::mouseClick(w->Command3, Qt::LeftButton);
-  EXPECT_EQ(ListLines(w->List1), Lines{" 10"});
-  QTest::mouseClick(w->Command4, Qt::LeftButton);
-  EXPECT_EQ(w->List1->count(), 0);
-  EXPECT_EQ(Cell(w, 1, 2), "-0.7");
-  QTest::mouseClick(w->Command3, Qt::LeftButton);
-  EXPECT_EQ(ListLines(w->List1), Lines{" .1"});
-}
-
-TEST_F(AlgebraWindowTest, ClickingACellMakesItCurrent) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  QRect cell = w->Grid1->visualItemRect(w->Grid1->item(2, 3));
-  QTest::mouseClick(w->Grid1->viewport(), Qt::LeftButton, {}, cell.center());
-  EXPECT_EQ(w->currentCell(), (CellPosition{2, 3}));
-  Enter(w, {"7"});
-  EXPECT_EQ(Cell(w, 2, 3), "7");
-  EXPECT_EQ(w->currentCell(), (CellPosition{2, 4}));
-  QRect header = w->Grid1->visualItemRect(w->Grid1->item(0, 2));
-  QTest::mouseClick(w->Grid1->viewport(), Qt::LeftButton, {}, header.center());
-  EXPECT_EQ(w->currentCell(), (CellPosition{2, 4}));  // headers are not cells
-}
-
-TEST_F(AlgebraWindowTest, CloseHidesAndReopensAfresh) {
-  SimultWindow* w = ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode);
-  SetDimension(w, "5");
+  EXPECT_TRUE(w->running());
   QTest::mouseClick(w->Command2, Qt::LeftButton);
-  EXPECT_TRUE(w->isHidden());
-  EXPECT_EQ(ShowSimultWindow(&owner, engine, state, SimultWindow::kEquationsMode), w);
-  EXPECT_EQ(w->systemOrder(), 3);
-  EXPECT_EQ(w->Text1->text(), "3");
+  EXPECT_FALSE(w->running());
+  EXPECT_EQ(Lines(w->List1), (QStringList{"x= 0  y= 0", "x= 1  y= 1"}));
+
+  // The polynomial buttons write the second function's box, the list and, by Copy, the main box.
+  w = open<IntersectionWindow>();
+  struct Row {
+    const char *button, *formula, *polynomial, *text5;
+    QStringList lines;
+  };
+  for (const Row& r : {Row{"Command7", "(x+1)^2*(x-3)", "", "x^3-x^2-5*x-3", {}},  // Expand
+                       Row{"Command4", "x^2-2*x+1", "", "(x^2-2*x+1)", {"x= 1 重根", "x= 1 重根"}},
+                       Row{"Command5", "x^2-3*x+2", "", "x^2-3*x+2", {}},
+                       Row{"Command6", "x^2-3*x+2", "2", "(x-2)*(x-1)", {}}}) {  // Factor
+    w->List1->clear();
+    fill(w, {{"formula", r.formula}, {"Text6", r.polynomial}});
+    click(w, r.button);
+    EXPECT_EQ(w->Text5->text().toStdString(), r.text5) << r.button;
+    EXPECT_EQ(Lines(w->List1), r.lines) << r.button;
+  }
+  click(w, "Command8");  // Copy
+  EXPECT_EQ(main().formulaText(), "(x-2)*(x-1)");
+  // A Seek that cannot converge (a judge value no step reaches) says so and changes nothing.
+  fill(w, {{"formula", "x"}, {"Text1", "0"}, {"Text2", "1"}, {"Text3", "10"}, {"Text4", "-1"}});
+  click(w, "Command1");
+  fill(w, {{"formula", "x^3-6*x^2+11*x-6"}, {"Text5", "kept"}});
+  QStringList box;
+  AnswerNextBox(QMessageBox::Ok, &box);
+  click(w, "Command4");
+  EXPECT_EQ(box.value(1), "Seek found no factor: the method did not converge.");
+  EXPECT_EQ(w->Text5->text(), "kept");
 }
 
-Lines ModelLines(const PrimeWindow* w) {
-  Lines lines;
-  for (int i = 0; i < w->model()->rowCount(); ++i) lines.push_back(w->model()->line(i));
-  return lines;
+TEST_F(GuiTest, SimultModesEntryMessagesAndResults) {
+  start();
+  auto* w = open<SimultWindow>();
+  EXPECT_TRUE(w->Command1->isEnabled() && w->Label1->isVisible() && w->windowTitle() == "Simultaneous Linear Equation");
+  enter(w->Text1, "2");
+  for (const char* v : {"1", "1", "2", "1", "-1", "0"}) enter(w->Text2, v);
+  click(w, "Command1");
+  EXPECT_EQ(Lines(w->List1), (QStringList{" X1 =  1", " X2 =  1"}));
+  // A message of several lines, an empty cell ending silently, an error pointing at its cell.
+  w->Grid1->setCellText(1, 1, "0");
+  click(w, "Command1");
+  const QStringList zeroPivot = {"対角要素が０になり", "計算できません", "係数の行または列を", "交換してください"};
+  EXPECT_EQ(Lines(w->List1), zeroPivot);
+  w->Grid1->setCellText(2, 2, "");
+  click(w, "Command5");
+  EXPECT_EQ(Lines(w->List1), zeroPivot);
+  w->Grid1->setCellText(2, 2, "x2");
+  click(w, "Command1");
+  EXPECT_TRUE(errorText() == "入力ﾃﾞｰﾀがおかしい" && w->currentCell() == (CellPosition{2, 2}));
+
+  EXPECT_TRUE(open("MatrixWindow") == w && w->windowTitle() == "Determinant & Inverse Matrix");
+  EXPECT_FALSE(w->Command1->isEnabled() || w->Command5->isEnabled() || w->Label1->isVisible());
+  enter(w->Text1, "2");
+  for (const char* v : {"4", "7", "2", "6"}) enter(w->Text2, v);
+  click(w, "Command4");  // Inverse writes the grid back
+  click(w, "Command3");
+  EXPECT_EQ(std::pair(w->Grid1->cellText(1, 2), Lines(w->List1)), std::pair(QString("-0.7"), QStringList{" .1"}));
+  click(w, "Command2");
+  EXPECT_TRUE(open<SimultWindow>() == w && w->Text1->text() == "3") << "reopened afresh";
 }
 
-void Type(QLineEdit* box, const char* text) {
-  box->clear();
-  QTest::keyClicks(box, text);
-}
-
-TEST_F(AlgebraWindowTest, PrimeWindowCaptionsInBothLanguages) {
-  PrimeWindow* w = ShowPrimeWindow(&owner, engine, state);
-  EXPECT_EQ(w->windowTitle(), "Prime");
-  EXPECT_EQ(w->Command4->text(), "G.C.M.");
-  EXPECT_TRUE(w->Option1->isChecked());
-  w->close();
-  useJapanese();
-  w = ShowPrimeWindow(&owner, engine, state);
-  EXPECT_EQ(w->windowTitle(), "素数");
-  EXPECT_EQ(w->Command1->text(), "素因数");
-  Type(w->Text1, "12");
-  Type(w->Text2, "18");
-  QTest::mouseClick(w->Command4, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w), (Lines{"最大公約数.", " 6", "最小公倍数.", " 36"}));
-}
-
-TEST_F(AlgebraWindowTest, FactorReadsTheSelectedBox) {
-  PrimeWindow* w = ShowPrimeWindow(&owner, engine, state);
-  Type(w->Text1, "360");
-  Type(w->Text2, "97");
-  QTest::mouseClick(w->Command1, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w), (Lines{" 2＾ 3", " 3＾ 2", " 5"}));
-  QTest::mouseClick(w->Option2, Qt::LeftButton);
-  ASSERT_TRUE(w->Option2->isChecked());
-  QTest::mouseClick(w->Command1, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w), Lines{" 97"});
-  QTest::mouseClick(w->Command2, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w).back(), " 25 個ある");
-}
-
-TEST_F(AlgebraWindowTest, GcmLinesAndOverflow) {
-  PrimeWindow* w = ShowPrimeWindow(&owner, engine, state);
-  Type(w->Text1, "12");
-  Type(w->Text2, "18");
-  QTest::mouseClick(w->Command4, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w), (Lines{"G.C.M.", " 6", "L.C.M.", " 36"}));
-  Type(w->Text1, "100000");
-  Type(w->Text2, "99999");
-  QTest::mouseClick(w->Command4, Qt::LeftButton);  // an overflowing L.C.M. must not sit beside old figures
-  EXPECT_TRUE(ModelLines(w).empty());
-}
-
-TEST_F(AlgebraWindowTest, ListsToTenToTheEightWhileStayingResponsive) {
-  PrimeWindow* w = ShowPrimeWindow(&owner, engine, state);
+// Ten to the eighth lists without keeping the event loop waiting, down to its count line.
+TEST_F(GuiTest, PrimeListingStaysResponsiveAndStopsAtOnce) {
+  start();
+  auto* w = open<PrimeWindow>();
   QSignalSpy ended(w, &PrimeWindow::listingEnded);
-  // A timer that should fire every 10 ms measures how long the event loop is kept waiting.
   QTimer probe;
   QElapsedTimer sinceTick;
   qint64 longestWait = 0;
-  QObject::connect(&probe, &QTimer::timeout, [&] {
-    longestWait = std::max(longestWait, sinceTick.restart());
-  });
-  Type(w->Text1, "100000000");
+  QObject::connect(&probe, &QTimer::timeout, [&] { longestWait = std::max(longestWait, sinceTick.restart()); });
+  fill(w, {{"Text1", "100000000"}});
   QTest::mouseClick(w->Command2, Qt::LeftButton);
   sinceTick.start();
   probe.start(10);
   ASSERT_TRUE(ended.wait(60000));
-  // The view's own layout of the rows must not hold the loop either; the scroll range shows it done.
   QTRY_VERIFY_WITH_TIMEOUT(w->List1->verticalScrollBar()->maximum() > 5700000, 30000);
   probe.stop();
-  EXPECT_TRUE(ended.at(0).at(0).toBool());
-  EXPECT_EQ(w->model()->rowCount(), 5761456);
-  EXPECT_EQ(w->model()->line(5761455), " 5761455 個ある");
+  EXPECT_TRUE(ended.at(0).at(0).toBool() && w->model()->line(5761455) == " 5761455 個ある");
   EXPECT_LT(longestWait, 250) << "the event loop waited " << longestWait << " ms";
-  w->List1->scrollToBottom();
-  QCoreApplication::processEvents();
-  QRect last = w->List1->visualRect(w->model()->index(5761455));
-  EXPECT_TRUE(w->List1->viewport()->rect().intersects(last)) << last.y();
-  EXPECT_GT(w->List1->indexAt(QPoint(4, 4)).row(), 5761400);
+
+  // Close stops a listing at once, without its count; a stop from elsewhere ends it too.
+  for (bool close : {true, false}) {
+    w = open<PrimeWindow>();
+    ended.clear();
+    fill(w, {{"Text1", "2000000000"}});
+    QTest::mouseClick(w->Command2, Qt::LeftButton);
+    QTest::qWait(50);
+    ASSERT_TRUE(w->listing());
+    if (close) QTest::mouseClick(w->Command3, Qt::LeftButton);
+    if (!close) engine().StopRequested = 1;
+    ASSERT_TRUE(close || ended.wait(5000));
+    EXPECT_EQ(w->isHidden(), close);
+    const int rows = w->model()->rowCount();
+    EXPECT_TRUE(rows > 0 && w->model()->line(rows - 1).find("個ある") == std::string::npos);
+    QTest::qWait(30);
+    EXPECT_EQ(w->model()->rowCount(), rows);
+  }
 }
 
-TEST_F(AlgebraWindowTest, CloseStopsAListingAtOnce) {
-  PrimeWindow* w = ShowPrimeWindow(&owner, engine, state);
-  Type(w->Text1, "2000000000");
-  QTest::mouseClick(w->Command2, Qt::LeftButton);
-  QTest::qWait(50);
-  ASSERT_TRUE(w->listing());
-  QTest::mouseClick(w->Command3, Qt::LeftButton);
-  EXPECT_FALSE(w->listing());
-  EXPECT_TRUE(w->isHidden());
-  EXPECT_EQ(engine.StopRequested, 1);
-  int rows = w->model()->rowCount();
-  EXPECT_GT(rows, 0);
-  EXPECT_EQ(w->model()->line(rows - 1).find("個ある"), std::string::npos);
-  QTest::qWait(30);
-  EXPECT_EQ(w->model()->rowCount(), rows);
-  // Opening again starts afresh and works.
-  EXPECT_EQ(ShowPrimeWindow(&owner, engine, state), w);
-  EXPECT_EQ(w->model()->rowCount(), 0);
-  Type(w->Text1, "3");
-  QTest::mouseClick(w->Command2, Qt::LeftButton);
-  EXPECT_EQ(ModelLines(w), (Lines{" 2", " 3", " 2 個ある"}));
+// The cell shows its text whole on one line: the delegate's margins and the grid line leave room.
+::testing::AssertionResult ShowsWhole(const GridWidget* g, int i, int j) {
+  const QString text = g->cellText(i, j);
+  const int margin = g->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, g) + 1;
+  const int room = g->columnWidth(j) - 2 * margin - 1, need = g->fontMetrics().horizontalAdvance(text);
+  if (need <= room) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "cell (" << i << ", " << j << ") \"" << text.toStdString() << "\" needs "
+                                       << need << " px and has " << room;
 }
 
-TEST_F(AlgebraWindowTest, AStopRequestFromElsewhereEndsTheListingWithoutTheCount) {
-  PrimeWindow* w = ShowPrimeWindow(&owner, engine, state);
-  QSignalSpy ended(w, &PrimeWindow::listingEnded);
-  Type(w->Text1, "2000000000");
-  QTest::mouseClick(w->Command2, Qt::LeftButton);
-  engine.StopRequested = 1;
-  ASSERT_TRUE(ended.wait(5000));
-  EXPECT_FALSE(ended.at(0).at(0).toBool());
-  EXPECT_FALSE(w->isHidden());
-  EXPECT_EQ(w->model()->line(w->model()->rowCount() - 1).find("個ある"), std::string::npos);
+// Types into the cell as a user does: the first key opens the cell's editor, Enter ends.
+void TypeIntoCell(GridWidget* g, int row, int column, const QString& text) {
+  g->setCurrentCell(row, column);
+  QTest::keyClicks(g, text.left(1));
+  auto* editor = qobject_cast<QLineEdit*>(g->indexWidget(g->currentIndex()));
+  ASSERT_NE(editor, nullptr) << "typing did not open the cell";
+  QTest::keyClicks(editor, text.mid(1));
+  QTest::keyClick(editor, Qt::Key_Return);
+  QCoreApplication::processEvents();  // the editor hands its text over from the event loop
+}
+
+TEST_F(GuiTest, CellsTakeTypingAndTheEntryBoxFollowsTheLastCell) {
+  start();
+  auto* w = qobject_cast<SimultWindow*>(open("MatrixWindow"));
+  const char* values[3][3] = {{"4", "7", "2"}, {"3", "6", "1"}, {"2", "5", "3"}};
+  for (int i = 1; i <= 3; ++i) {
+    for (int j = 1; j <= 3; ++j) TypeIntoCell(w->Grid1, i, j, values[i - 1][j - 1]);
+  }
+  click(w, "Command3");
+  EXPECT_EQ(Lines(w->List1), QStringList{" 9"});
+  click(w, "Command4");  // the inverse's long numbers show whole
+  ASSERT_EQ(w->Grid1->cellText(1, 3), "-0.5555556");
+  for (int i = 0; i <= 3; ++i) {
+    for (int j = 0; j <= 3; ++j) EXPECT_TRUE(ShowsWhole(w->Grid1, i, j));
+  }
+  TypeIntoCell(w->Grid1, 3, 3, "5");
+  enter(w->Text2, "8");  // into the cell last typed in
+  EXPECT_EQ(w->Grid1->cellText(3, 3), "8");
+  w->Grid1->setCurrentCell(0, 1);
+  QTest::keyClicks(w->Grid1, "9");
+  EXPECT_EQ(w->Grid1->cellText(0, 1), " a1") << "headings take no typing";
+
+  // Statistical data: at most three dimensions; typed cells and the entry box (on from the
+  // cell last typed in, down the column) reach the record table by Memory and ORBITA.ORB by File.
+  auto* data = open<StatDataWindow>();
+  enter(data->Text1, "5");
+  EXPECT_EQ(std::pair(data->Text1->text(), data->Grid1->columnCount()), std::pair(QString("3"), 4));
+  enter(data->Text1, "2");
+  enter(data->Text3, "2");
+  TypeIntoCell(data->Grid1, 1, 1, "1.5");
+  TypeIntoCell(data->Grid1, 2, 1, "-2");
+  TypeIntoCell(data->Grid1, 1, 2, "3E2");
+  for (const char* v : {"4", "5"}) enter(data->Text2, v);
+  click(data, "Command1");
+  const RecordFunctionTable& t = state().Records;
+  EXPECT_EQ(std::tuple(t.kind, t.count, t.values[1][0], t.values[2][0], t.values[1][1], t.values[2][1]),
+            std::tuple(int16_t{OrbitaData}, int16_t{2}, 1.5f, -2.0f, 4.0f, 5.0f));
+  click(data, "Command2");
+  EXPECT_EQ(readFile("ORBITA.ORB"), "ORBITA\r\n2\r\n2\r\n1.5\r\n-2\r\n4\r\n5\r\n");
 }
 
 }  // namespace
-}  // namespace merida
+}  // namespace merida::test

@@ -62,7 +62,11 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   Graph1->draw();
 }
 
-void IntersectionWindow::retranslate() { retranslateUi(this); }
+void IntersectionWindow::retranslate() {
+  retranslateUi(this);
+  Graph1->setAxisTitles(QStringLiteral("x"), QString());
+  Graph1->setSetNames(tr("Formula"), tr("Second function"));
+}
 
 void IntersectionWindow::connectToggle(QCheckBox* box, int16_t& value) {
   connect(box, &QCheckBox::clicked, this, [box, &value] {

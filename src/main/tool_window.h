@@ -46,6 +46,10 @@ class ToolWindow : public QWidget {
   // Sets every caption for the current display language (tr() with the installed translator).
   virtual void retranslate() = 0;
 
+  // The line under the controls: what the cursor is over in a chart, what a run did.
+  QLabel* statusLine() const { return statusLine_; }
+  void showStatus(const QString& text);
+
  protected:
   // What a job writes that other windows' jobs may write too.
   enum class JobWrites { kOwnResults, kRecordTable };
@@ -97,6 +101,7 @@ class ToolWindow : public QWidget {
   QPushButton* goButton_ = nullptr;
   QString goCaption_;
   QProgressBar* progressBar_ = nullptr;
+  QLabel* statusLine_ = nullptr;
   QTimer* progressTimer_ = nullptr;
   int64_t startedMs_ = 0;
   bool waiting_ = false;  // for the record table's turn

@@ -21,7 +21,7 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   connect(Command5, &QPushButton::clicked, this, [this] { display(Command5, FftShow::kCorrelation); });
   connect(Command7, &QPushButton::clicked, this, [this] {
     SpectrumWindow* w = spectrumWindow();
-    w->setMatrix(analysis_.continuousMatrix());
+    w->setMatrix(analysis_.continuousMatrix(), analysis_.frameDuration(), analysis_.source() == FftSource::kWave);
     w->show();
     w->raise();
   });
@@ -50,10 +50,10 @@ void FftWindow::retranslate() {
 }
 
 void FftWindow::titleChart() {
-  // Recorded data are sampled in seconds, so their frequencies are in hertz.
-  const QString x = shown_ == FftShow::kCorrelation ? tr("Lag (samples)")
-                    : source() == FftSource::kFormula ? tr("Frequency (cycles per unit of x)")
-                                                      : tr("Frequency (Hz)");
+  // Sound is sampled in seconds, so its frequencies are in hertz.
+  const QString x = shown_ == FftShow::kCorrelation   ? tr("Lag (samples)")
+                    : analysis_.source() == FftSource::kWave ? tr("Frequency (Hz)")
+                                                        : tr("Frequency (cycles per unit of x)");
   const QString y = shown_ == FftShow::kFourier ? tr("Coefficient")
                     : shown_ == FftShow::kPower ? tr("Power")
                                                 : tr("Autocorrelation");

@@ -79,7 +79,8 @@ constexpr CommandEntry kCommands[] = {
      RunContour},
     {"stat", "stat freq|ave|regres|multreg [--column K] [--chart] FILE", RunStat},
     {"test",
-     "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J]",
+     "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J] "
+     "[--exact]",
      RunTest},
 };
 }  // namespace merida::cli

@@ -81,19 +81,23 @@ struct ColumnSummary {
   int count = 0;
 };
 
-// Mean and population deviation √(Σx²/n − x̄²) of one column, sums in row order.
+// Mean and population deviation √(Σx²/n − x̄²) of one column, sums in row order. The sums are
+// taken in double around the first value: shifting every x leaves the formula's value as it is,
+// and values near 1e6 that differ in their last places no longer cancel to nothing.
 ColumnSummary Summarize(const RecordFunctionTable& t, int column) {
-  float sum = 0, squares = 0;
+  const double origin = t.count >= 1 ? t.values[1][column] : 0;
+  double sum = 0, squares = 0;
   for (int i = 1; i <= t.count; ++i) {
-    const float x = t.values[i][column];
-    sum += x;
-    squares += x * x;
+    const double d = static_cast<double>(t.values[i][column]) - origin;
+    sum += d;
+    squares += d * d;
   }
   ColumnSummary s;
   s.count = t.count;
-  s.mean = sum / t.count;
+  const double shifted = sum / t.count;
+  s.mean = static_cast<float>(origin + shifted);
   // Rounding can leave a constant column's variance a hair below zero.
-  s.deviation = std::sqrt(std::max(0.0f, squares / t.count - s.mean * s.mean));
+  s.deviation = static_cast<float>(std::sqrt(std::max(0.0, squares / t.count - shifted * shifted)));
   return s;
 }
 

@@ -158,6 +158,7 @@ void IntersectionWindow::copyRoot(int row) {
 void IntersectionWindow::setLines(const std::vector<std::string>& lines) {
   List1->clear();
   for (const std::string& line : lines) List1->addItem(QString::fromStdString(line));
+  explainJapanese(List1);
 }
 
 void IntersectionWindow::closeEvent(QCloseEvent* event) {

@@ -129,6 +129,7 @@ void SimultWindow::run(LinearResult (*operation)(const CellTexts&)) {
       if (statusLine()) statusLine()->setStyleSheet(r.warning.empty() ? QString() : QStringLiteral("color: #c00000"));
       List1->clear();
       for (const std::string& line : r.lines) List1->addItem(QString::fromStdString(line));
+      explainJapanese(List1);
       for (size_t i = 0; i < r.cells.size(); ++i) {
         for (size_t j = 0; j < r.cells[i].size(); ++j) {
           Grid1->setCellText(static_cast<int>(i) + 1, static_cast<int>(j) + 1, QString::fromStdString(r.cells[i][j]));

@@ -2,6 +2,9 @@
 #include "main/tool_window.h"
 
 #include "controls/chart_widget.h"
+#include "engine/english.h"
+
+#include <QListWidget>
 
 #include <QBoxLayout>
 #include <QCloseEvent>
@@ -284,6 +287,24 @@ void ToolWindow::showStatus(const QString& text) {
   }
   statusLine_->setText(text);
   statusLine_->setToolTip(text);
+}
+
+void ToolWindow::explainJapanese(QLabel* label) {
+  const std::string_view english = japanese() ? std::string_view() : EnglishOf(label->text().toStdString());
+  const QString text = QString::fromUtf8(english.data(), static_cast<qsizetype>(english.size()));
+  label->setToolTip(text);
+  if (!text.isEmpty()) showStatus(text);
+}
+
+void ToolWindow::explainJapanese(QListWidget* list) {
+  for (int i = 0; i < list->count(); ++i) {
+    QListWidgetItem* item = list->item(i);
+    const std::string line = item->text().toStdString();
+    const std::string with = japanese() ? line : WithEnglish(line);
+    // WithEnglish appends " (English)"; the tooltip is the English alone.
+    item->setToolTip(with.size() > line.size() ? QString::fromStdString(with.substr(line.size() + 2, with.size() - line.size() - 3))
+                                               : QString());
+  }
 }
 
 void ToolWindow::showEvent(QShowEvent* event) {

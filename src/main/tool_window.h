@@ -17,6 +17,7 @@
 #include "engine/job.h"
 #include "main/app_state.h"
 
+class QListWidget;
 class QProgressBar;
 class QTimer;
 
@@ -49,6 +50,14 @@ class ToolWindow : public QWidget {
   // The line under the controls: what the cursor is over in a chart, what a run did.
   QLabel* statusLine() const { return statusLine_; }
   void showStatus(const QString& text);
+
+ protected:
+  // In English mode a Japanese-only text gets its English as a tooltip and in the status line
+  // (a label) or as each line's tooltip (a list); in Japanese mode nothing changes.
+  void explainJapanese(QLabel* label);
+  void explainJapanese(QListWidget* list);
+
+ public:
 
  protected:
   // What a job writes that other windows' jobs may write too.

@@ -43,6 +43,7 @@ void StatWindow::retranslate() { retranslateUi(this); }
 void StatWindow::showTableStatus() {
   const RecordFunctionTable& t = state_.Records;
   Label14->setText(QString::fromUtf8(RecordKindText(t.kind)));
+  explainJapanese(Label14);
   const bool known = t.kind >= WaveData && t.kind <= OrbitaData;
   Label3->setText(known ? QString::number(t.dimension) : QString());
   Label4->setText(known ? QString::number(t.count) : QString());

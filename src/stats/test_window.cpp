@@ -33,6 +33,7 @@ void TestWindow::run(TestKind kind) {
   Text7->setText(QString::fromStdString(r->statisticBox));
   Text8->setText(QString::fromStdString(r->criticalBox));
   Label8->setText(QString::fromStdString(r->conclusion));
+  explainJapanese(Label8);
   showExact(kind, *r);
 }
 

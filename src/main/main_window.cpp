@@ -92,11 +92,18 @@ QString MainWindow::answerText() const { return Label1->text(); }
 
 void MainWindow::setAnswerText(const QString& text) { Label1->setText(text); }
 
+void MainWindow::keepHistoryIn(const std::filesystem::path& dir) {
+  history_.load(dir);  // an unreadable history starts empty; the next Calc writes a good one
+  historyDir_ = dir;
+}
+
 void MainWindow::calc() {
   RunGuard guard(running_);
   if (!guard.entered()) return;
   Label1->clear();
   history_.add(Text1->text().toStdString());
+  // Kept at once: a crash or a kill later loses nothing typed before it.
+  if (historyDir_) history_.save(*historyDir_);
   auto answer = Calc(engine_, Text1->text().toStdString());
   if (answer) Label1->setText(QString::fromStdString(*answer));
   Text1->setFocus();

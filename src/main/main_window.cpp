@@ -93,8 +93,8 @@ QString MainWindow::answerText() const { return Label1->text(); }
 void MainWindow::setAnswerText(const QString& text) { Label1->setText(text); }
 
 void MainWindow::keepHistoryIn(const std::filesystem::path& dir) {
-  history_.load(dir);  // an unreadable history starts empty; the next Calc writes a good one
-  historyDir_ = dir;
+  // A history that cannot be read is not written over either: this run keeps its own in memory.
+  if (history_.load(dir).empty()) historyDir_ = dir;
 }
 
 void MainWindow::calc() {

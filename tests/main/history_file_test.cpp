@@ -14,7 +14,7 @@ namespace {
 
 class HistoryFile : public test::TempDirTest {
  protected:
-  std::filesystem::path file() const { return dir() / FormulaHistory::kFileName; }
+  std::filesystem::path file() const { return dir_ / FormulaHistory::kFileName; }
   void write(const std::string& text) const { std::ofstream(file(), std::ios::binary) << text; }
   std::string read() const {
     std::ostringstream s;
@@ -42,12 +42,12 @@ TEST_F(HistoryFile, ReadsWhatItFinds) {
   for (const auto& c : cases) {
     write(c.file);
     FormulaHistory h;
-    EXPECT_EQ(h.load(dir()), "");
+    EXPECT_EQ(h.load(dir_), "");
     EXPECT_EQ(recalled(h), c.newestFirst) << c.file;
   }
   std::filesystem::remove(file());
   FormulaHistory none;
-  EXPECT_EQ(none.load(dir()), "");
+  EXPECT_EQ(none.load(dir_), "");
   EXPECT_EQ(none.size(), 0u);
 }
 
@@ -56,13 +56,13 @@ TEST_F(HistoryFile, KeepsTheNewestAndSkipsOverlongLines) {
   for (int i = 1; i <= 250; ++i) text += std::to_string(i) + "\r\n";
   write(text);
   FormulaHistory h;
-  EXPECT_EQ(h.load(dir()), "");
+  EXPECT_EQ(h.load(dir_), "");
   EXPECT_EQ(h.size(), FormulaHistory::kKept);
   EXPECT_EQ(h.older(""), "250");
   h.add("x+1");
-  ASSERT_TRUE(h.save(dir()));
+  ASSERT_TRUE(h.save(dir_));
   FormulaHistory again;
-  again.load(dir());
+  again.load(dir_);
   const std::vector<std::string> back = recalled(again);
   ASSERT_EQ(back.size(), FormulaHistory::kKept);
   EXPECT_EQ(back.front(), "x+1");
@@ -72,14 +72,14 @@ TEST_F(HistoryFile, KeepsTheNewestAndSkipsOverlongLines) {
 TEST_F(HistoryFile, SaveRoundTripsAndRefusesLinks) {
   FormulaHistory h;
   for (const char* f : {"1+2", "sgm(k,1,10,k)", "1+2", "2^0.5"}) h.add(f);
-  ASSERT_TRUE(h.save(dir()));
+  ASSERT_TRUE(h.save(dir_));
   EXPECT_EQ(read(), "1+2\r\nsgm(k,1,10,k)\r\n1+2\r\n2^0.5\r\n");
   // A planted link to another file is not followed: that file keeps its contents.
   std::filesystem::remove(file());
-  { std::ofstream(dir() / "victim") << "keep"; }
-  std::filesystem::create_symlink(dir() / "victim", file());
-  EXPECT_FALSE(h.save(dir()));
-  std::ifstream victim(dir() / "victim");
+  { std::ofstream(dir_ / "victim") << "keep"; }
+  std::filesystem::create_symlink(dir_ / "victim", file());
+  EXPECT_FALSE(h.save(dir_));
+  std::ifstream victim(dir_ / "victim");
   std::string kept;
   victim >> kept;
   EXPECT_EQ(kept, "keep");
@@ -88,10 +88,10 @@ TEST_F(HistoryFile, SaveRoundTripsAndRefusesLinks) {
 TEST_F(HistoryFile, AFifoOrADirectoryIsAnErrorNotAHang) {
   ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
   FormulaHistory h;
-  EXPECT_NE(h.load(dir()), "");
+  EXPECT_NE(h.load(dir_), "");
   std::filesystem::remove(file());
   std::filesystem::create_directory(file());
-  EXPECT_NE(h.load(dir()), "");
+  EXPECT_NE(h.load(dir_), "");
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include <array>
 #include <cfloat>
 #include <cmath>
+#include <cstdio>
+#include <limits>
 
 #include "controls/matrix.h"
 #include "engine/number_text.h"
@@ -145,6 +147,28 @@ LinearResult SolveByElimination(const CellTexts& grid) {
   return result;
 }
 
+std::string ConditionWarning(double condition) {
+  // Relative errors of the single-precision inputs grow by up to the condition number: past
+  // 1 / epsilon nothing of the answer is left for certain.
+  if (!(condition * std::numeric_limits<float>::epsilon() >= 1)) return {};
+  char about[32];
+  if (std::isfinite(condition)) {
+    std::snprintf(about, sizeof about, "%.1E", condition);
+  } else {
+    std::snprintf(about, sizeof about, "infinity");
+  }
+  return std::string("ill-conditioned (condition number about ") + about + "); the answer may have no correct digits";
+}
+
+namespace {
+
+void Warn(LinearResult& result, const MatrixControl& m) {
+  result.condition = m.conditionNumber();
+  result.warning = ConditionWarning(result.condition);
+}
+
+}  // namespace
+
 LinearResult SolveByMatrix(const CellTexts& grid) {
   ReadGrid g;
   if (auto ended = ReadCells(grid, true, g)) return *ended;
@@ -157,6 +181,7 @@ LinearResult SolveByMatrix(const CellTexts& grid) {
   for (int i = 1; i <= g.n; ++i) {
     result.lines.push_back(UnknownLine(i, static_cast<float>(x.values[static_cast<size_t>(i - 1)])));
   }
+  Warn(result, m);
   return result;
 }
 
@@ -167,7 +192,9 @@ LinearResult Determinant(const CellTexts& grid) {
   if (!ToComponent(g, false, m)) return Outcome(LinearOutcome::Fault);
   MatrixResult d = m.determinant();
   if (d.status != MatrixStatus::Ok || !AllFitSingle(d.values)) return Outcome(LinearOutcome::Fault);
-  return Listed(LinearOutcome::Listed, {ListText(static_cast<float>(d.values[0]))});
+  LinearResult result = Listed(LinearOutcome::Listed, {ListText(static_cast<float>(d.values[0]))});
+  Warn(result, m);
+  return result;
 }
 
 LinearResult Inverse(const CellTexts& grid) {
@@ -186,6 +213,7 @@ LinearResult Inverse(const CellTexts& grid) {
       result.cells[static_cast<size_t>(i)].push_back(std::fabs(v) < kInverseThreshold ? "0" : CellText(v));
     }
   }
+  Warn(result, m);
   return result;
 }
 

@@ -28,7 +28,14 @@ struct LinearResult {
   std::vector<std::string> lines;
   CellTexts cells;                 // Inverse: the new data cells
   int badRow = 0, badColumn = 0;   // NotNumeric: the cell, 1-based
+  // Set when the matrix is too ill-conditioned for single precision to carry a digit:
+  // "ill-conditioned (condition number about 1.5E+10); the answer may have no correct digits".
+  std::string warning;
+  double condition = 0;  // the estimate behind the warning
 };
+
+// The warning for a condition number, or "" when single precision still carries digits.
+std::string ConditionWarning(double condition);
 
 // Go: Gauss-Jordan elimination in double precision without pivoting; unknowns listed in single.
 LinearResult SolveByElimination(const CellTexts& grid);

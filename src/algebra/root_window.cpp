@@ -62,7 +62,11 @@ IntersectionWindow::IntersectionWindow(Engine& engine, AppState& state, std::fun
   Graph1->draw();
 }
 
-void IntersectionWindow::retranslate() { retranslateUi(this); }
+void IntersectionWindow::retranslate() {
+  retranslateUi(this);
+  Graph1->setAxisTitles(QStringLiteral("x"), QString());
+  Graph1->setSetNames(tr("Formula"), tr("Second function"));
+}
 
 void IntersectionWindow::connectToggle(QCheckBox* box, int16_t& value) {
   connect(box, &QCheckBox::clicked, this, [box, &value] {
@@ -154,6 +158,7 @@ void IntersectionWindow::copyRoot(int row) {
 void IntersectionWindow::setLines(const std::vector<std::string>& lines) {
   List1->clear();
   for (const std::string& line : lines) List1->addItem(QString::fromStdString(line));
+  explainJapanese(List1);
 }
 
 void IntersectionWindow::closeEvent(QCloseEvent* event) {

@@ -122,8 +122,14 @@ void SimultWindow::run(LinearResult (*operation)(const CellTexts&)) {
   switch (r.outcome) {
     case LinearOutcome::Listed:
     case LinearOutcome::Refused:
+      // A new answer replaces the last one's warning.
+      showStatus(r.warning.empty() ? QString()
+                                   : tr("Ill-conditioned (condition number about %1): the answer may have no correct digits")
+                                         .arg(QString::number(r.condition, 'E', 1)));
+      if (statusLine()) statusLine()->setStyleSheet(r.warning.empty() ? QString() : QStringLiteral("color: #c00000"));
       List1->clear();
       for (const std::string& line : r.lines) List1->addItem(QString::fromStdString(line));
+      explainJapanese(List1);
       for (size_t i = 0; i < r.cells.size(); ++i) {
         for (size_t j = 0; j < r.cells[i].size(); ++j) {
           Grid1->setCellText(static_cast<int>(i) + 1, static_cast<int>(j) + 1, QString::fromStdString(r.cells[i][j]));

@@ -13,6 +13,8 @@ Application::Application(const std::filesystem::path& dir) {
   // The window exists before the user functions load so that their errors have an owner.
   main_ = std::make_unique<MainWindow>(engine_, state_);
   host_.setWindow(main_.get());
+  host_.setEnglish([this] { return !state_.japanese(); });
+  main_->keepHistoryIn(dir);
   engine_.ResetEngine();
   storeNotice_ = StoreLoadNotice(LoadUserFunctions(engine_, dir));
   RegisterTools(*main_, engine_, state_);

@@ -36,6 +36,7 @@ void DelayWindow::retranslate() {
   retranslateUi(this);
   Grid1->setCellText(0, 1, tr("Init"));
   Grid1->fitColumns();
+  Graph1->setAxisTitles(tr("Step"), tr("Value"));
 }
 
 void DelayWindow::storeInitValue() {

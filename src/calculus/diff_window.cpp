@@ -97,6 +97,9 @@ void DiffWindow::display(const DiffResult& r) {
   // (a bad name or step, a formula error) redraws the previous points.
   if (r.started) {
     Graph1->setDataSets(r.dataSets);
+    // Simult draws both unknowns: the legend names them as the boxes do.
+    if (r.dataSets == 2) Graph1->setSetNames(Text1->text().trimmed(), Text8->text().trimmed());
+    else Graph1->setSetNames(QString());
     Graph1->setPoints(1, r.points);
     Graph1->setPoints(2, r.points2);
   }

@@ -1,6 +1,7 @@
 // merida-cli commands of the linear-equation and prime windows: their list lines on standard output.
 #include <cstdint>
 #include <cstdio>
+#include <iostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -71,6 +72,10 @@ int Report(Context& ctx, const LinearResult& r, bool printCells) {
           for (const std::string& cell : row) line += (line.empty() ? "" : " ") + cell;
           PrintLines({line});
         }
+      }
+      if (!r.warning.empty()) {
+        std::fflush(stdout);
+        std::cerr << "warning: " << r.warning << '\n';
       }
       return Finish(ctx, true);
     case LinearOutcome::Refused:

@@ -24,6 +24,7 @@ class CliHost : public EngineHost {
   std::map<std::string, std::string> vars;
   bool sawError = false;
   bool sawFault = false;
+  bool english = false;  // error lines carry their English in parentheses
 
   std::optional<std::string> askValue(const std::string& prompt) override;
   void showError(int code, const std::string& message) override;

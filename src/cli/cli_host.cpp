@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "cli/cli.h"
+#include "engine/english.h"
 #include "engine/number_text.h"
 
 namespace merida::cli {
@@ -18,7 +19,7 @@ std::optional<std::string> CliHost::askValue(const std::string& prompt) {
 
 void CliHost::showError(int code, const std::string& message) {
   sawError = true;
-  std::cerr << "error " << code << ": " << message << std::endl;
+  std::cerr << "error " << code << ": " << (english ? WithEnglish(message) : message) << std::endl;
 }
 
 void CliHost::showFault(const std::string& description) {

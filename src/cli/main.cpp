@@ -79,7 +79,8 @@ constexpr CommandEntry kCommands[] = {
      RunContour},
     {"stat", "stat freq|ave|regres|multreg [--column K] [--chart] FILE", RunStat},
     {"test",
-     "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J]",
+     "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J] "
+     "[--exact]",
      RunTest},
 };
 }  // namespace merida::cli
@@ -88,8 +89,20 @@ int main(int argc, char** argv) {
   using namespace merida;
   using namespace merida::cli;
   std::ios::sync_with_stdio(false);
+  // --lang en adds the English of each Japanese error message; --lang ja (the default) does not.
+  bool english = false;
+  if (argc >= 2 && std::strcmp(argv[1], "--lang") == 0) {
+    if (argc < 3 || (std::strcmp(argv[2], "en") != 0 && std::strcmp(argv[2], "ja") != 0)) {
+      std::cerr << "usage: merida-cli [--lang en|ja] COMMAND [ARGS]\n";
+      return kUsage;
+    }
+    english = std::strcmp(argv[2], "en") == 0;
+    argv[2] = argv[0];
+    argv += 2;
+    argc -= 2;
+  }
   if (argc < 2) {
-    std::cerr << "usage: merida-cli COMMAND [ARGS]\ncommands:\n";
+    std::cerr << "usage: merida-cli [--lang en|ja] COMMAND [ARGS]\ncommands:\n";
     for (const auto& c : kCommands) std::cerr << "  merida-cli " << c.usage << '\n';
     return kUsage;
   }
@@ -102,6 +115,7 @@ int main(int argc, char** argv) {
     return kUsage;
   }
   CliHost host;
+  host.english = english;
   Engine engine(host);
   AppState state;
   std::error_code ec;

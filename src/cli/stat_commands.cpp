@@ -1,5 +1,6 @@
 // merida-cli stat and test: a data file loaded as the Load window loads it, then one button of
 // the Statistical Analysis or the Test window.
+#include <cstdio>
 #include <iostream>
 #include <sstream>
 
@@ -13,7 +14,8 @@ namespace {
 
 constexpr const char* kStatUsage = "stat freq|ave|regres|multreg [--column K] [--chart] FILE";
 constexpr const char* kTestUsage =
-    "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J]";
+    "test t|f|chi [--level 5|1] [--pop \"MEAN SD COUNT\"] [--sample \"MEAN SD COUNT\"] [--record FILE --column J] "
+    "[--exact]";
 
 std::string Lines(std::initializer_list<const std::string*> boxes) {
   std::string out;
@@ -71,8 +73,8 @@ int RunStat(Context& ctx, const std::vector<std::string>& args) {
 int RunTest(Context& ctx, const std::vector<std::string>& args) {
   if (args.empty()) return Usage(kTestUsage);
   const std::string action = args[0];
-  auto o = ParseOptions({args.begin() + 1, args.end()}, {"--level", "--pop", "--sample", "--record", "--column"}, {},
-                        {}, false);
+  auto o = ParseOptions({args.begin() + 1, args.end()}, {"--level", "--pop", "--sample", "--record", "--column"},
+                        {"--exact"}, {}, false);
   const std::string level = o && o->has("--level") ? (*o)["--level"] : "5";
   if (!o || o->formula || (action != "t" && action != "f" && action != "chi") || (level != "5" && level != "1") ||
       (o->has("--column") && !o->has("--record"))) {
@@ -97,6 +99,12 @@ int RunTest(Context& ctx, const std::vector<std::string>& args) {
     if (r->boxes[k]) ReportBox(kBoxNames[k], *r->boxes[k]);
   }
   std::cout << Lines({&r->statisticBox, &r->criticalBox, &r->conclusion});
+  if (o->flag("--exact") && r->pValue && r->exactCritical) {
+    char line[96];
+    std::snprintf(line, sizeof line, "p-value %.6g\nexact critical value %.6g\n", *r->pValue, *r->exactCritical);
+    std::cout << line;
+    if (r->decisionDiffers) std::cerr << "note: the exact critical value gives the other conclusion\n";
+  }
   return Finish(ctx, true);
 }
 

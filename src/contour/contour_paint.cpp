@@ -33,6 +33,17 @@ void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, co
   const QPen black(Qt::black, pixel);
   const QFontMetricsF metrics(painter.font(), device);
 
+  // Lines over filled bands take a darker (or, on dark paper, lighter) shade of their colour, so
+  // a line stays visible over the band of its own colour.
+  const bool filled = scene.count(MapItem::kPolygon) > 0;
+  const bool darkPaper = style.paper.lightnessF() < 0.5;
+  auto lineColor = [&](QColor c) {
+    if (filled) return darkPaper ? c.lighter(170) : c.darker(190);
+    // Plain lines on dark paper: pure blue on dark grey would vanish.
+    if (darkPaper && c.lightnessF() < 0.6) return QColor::fromHslF(c.hslHueF() < 0 ? 0 : c.hslHueF(), c.hslSaturationF(), 0.7);
+    return c;
+  };
+
   std::vector<QPointF> points;
   for (const MapItem& item : scene.items) {
     const MapPoint* p = scene.pointsOf(item);
@@ -41,17 +52,25 @@ void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, co
     const QColor color = item.ink ? style.ink : ToQColor(item.color);
     switch (item.kind) {
       case MapItem::kLine:
-        painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap));
+        painter.setPen(QPen(item.ink ? color : lineColor(color), width, Qt::SolidLine, Qt::RoundCap));
         painter.drawLine(points[0], points[1]);
         break;
       case MapItem::kPolyline:
-        painter.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter.setPen(QPen(item.ink ? color : lineColor(color), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPolyline(points.data(), static_cast<int>(points.size()));
         break;
       case MapItem::kPolygon:
         painter.setBrush(color);
-        // Cells without an outline are edged in their own colour so that no seam shows.
-        painter.setPen(item.outline ? black : QPen(color, pixel));
+        // Cells without an outline are edged in their own colour so that no seam shows. On a
+        // dense grid black outlines would hide the fill: below a few pixels a cell is edged in
+        // a darker shade of its own colour instead.
+        if (item.outline) {
+          const QRectF box = QPolygonF(QList<QPointF>(points.begin(), points.end())).boundingRect();
+          const bool small = std::max(box.width(), box.height()) < 8 * pixel;
+          painter.setPen(small ? QPen(color.darker(140), pixel * 0.6) : black);
+        } else {
+          painter.setPen(QPen(color, pixel));
+        }
         painter.drawPolygon(points.data(), static_cast<int>(points.size()));
         break;
       case MapItem::kText: {

@@ -1,8 +1,15 @@
 // The chart control on QtCharts.
 #include "controls/chart_widget.h"
 
+#include <QAction>
 #include <QAreaSeries>
+#include <QClipboard>
 #include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QLegendMarker>
+#include <QMouseEvent>
+#include <QToolButton>
+#include <QWheelEvent>
 #include <QFileDialog>
 #include <QLogValueAxis>
 #include <QMenu>
@@ -10,6 +17,7 @@
 #include <QPainter>
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
 #include <QScatterSeries>
 #include <QSvgGenerator>
 #include <QValueAxis>
@@ -17,13 +25,12 @@
 #include <cmath>
 #include <limits>
 
+#include "controls/axis_scale.h"
 #include "engine/atomic_file.h"
 #include "engine/number_text.h"
 
 namespace merida {
 namespace {
-
-const QColor kSetColors[2] = {QColor(0, 0, 255), QColor(255, 0, 0)};
 
 struct Span {
   double lo = std::numeric_limits<double>::infinity();
@@ -36,25 +43,28 @@ struct Span {
   bool empty() const { return lo > hi; }
 };
 
-// A span that can be drawn: some width, even for a single value.
-Span Drawable(Span s) {
-  if (s.empty()) return {0, 1};
-  if (s.lo == s.hi) {
-    double pad = s.lo == 0 ? 1 : std::fabs(s.lo) * 0.1;
-    return {s.lo - pad, s.hi + pad};
-  }
-  return s;
+// Pixels a labelled tick needs along each axis: numbers are wider than they are tall.
+constexpr double kPixelsPerXTick = 90, kPixelsPerYTick = 42;
+
+void ScaleLinear(QValueAxis* axis, Span s, double pixels, double perTick) {
+  const AxisScale a = s.empty() ? NiceScale(0, 1, 6) : NiceScale(s.lo, s.hi, TickBudget(pixels, perTick));
+  axis->setTickType(QValueAxis::TicksFixed);
+  axis->setRange(a.lo, a.hi);
+  axis->setTickCount(std::clamp(a.ticks, 2, 13));
 }
 
-void ScaleLinear(QValueAxis* axis, Span s) {
-  s = Drawable(s);
-  axis->setTickType(QValueAxis::TicksFixed);
-  axis->setRange(s.lo, s.hi);
-  // Nice numbers need a finite span; a span of a few ulps would give a useless tick search.
-  if (std::isfinite(s.hi - s.lo) && s.hi - s.lo > 1e-9 * std::max(std::fabs(s.lo), std::fabs(s.hi))) {
-    axis->applyNiceNumbers();
+// A zoomed range keeps its edges where the user put them; ticks fall on round values inside it.
+void ScaleView(QValueAxis* axis, double lo, double hi, double pixels, double perTick) {
+  const AxisScale a = NiceScale(lo, hi, TickBudget(pixels, perTick), 0);
+  axis->setRange(lo, hi);
+  if (a.step > 0 && std::isfinite(a.step)) {
+    axis->setTickType(QValueAxis::TicksDynamic);
+    axis->setTickAnchor(0);
+    axis->setTickInterval(a.step);
   }
 }
+
+QColor ToQColor(Rgb c) { return QColor(c.r, c.g, c.b); }
 
 // 1, 2 or 5 times a power of ten, at least `raw`.
 double NiceStep(double raw) {
@@ -106,9 +116,38 @@ ChartWidget::ChartWidget(QWidget* parent) : QChartView(parent) {
   connect(chart(), &QChart::plotAreaChanged, this, [this] {
     if (refits_ < 4) {
       ++refits_;
-      fitEqualScale();
+      applyRanges();
     }
   });
+  setMouseTracking(true);
+  setFocusPolicy(Qt::ClickFocus);
+  setRubberBand(QChartView::NoRubberBand);
+
+  exportButton_ = new QToolButton(this);
+  exportButton_->setObjectName(QStringLiteral("ExportButton"));
+  exportButton_->setText(tr("Export"));
+  exportButton_->setToolTip(tr("Save the chart as PNG, SVG or CSV (Ctrl+S); Ctrl+C copies it"));
+  exportButton_->setAutoRaise(true);
+  exportButton_->setFocusPolicy(Qt::NoFocus);
+  connect(exportButton_, &QToolButton::clicked, this, &ChartWidget::exportChart);
+  auto* save = new QAction(this);
+  save->setShortcut(QKeySequence::Save);
+  save->setShortcutContext(Qt::WindowShortcut);
+  connect(save, &QAction::triggered, this, [this] {
+    if (isVisible()) exportChart();
+  });
+  addAction(save);
+  auto* copy = new QAction(this);
+  copy->setShortcut(QKeySequence::Copy);
+  copy->setShortcutContext(Qt::WidgetShortcut);
+  connect(copy, &QAction::triggered, this, &ChartWidget::copyImage);
+  addAction(copy);
+}
+
+void ChartWidget::placeExportButton() {
+  exportButton_->adjustSize();
+  exportButton_->move(width() - exportButton_->width() - 2, 2);
+  exportButton_->raise();
 }
 
 void ChartWidget::applyPalette() {
@@ -124,12 +163,66 @@ void ChartWidget::applyPalette() {
     axis->setLinePenColor(text);
     axis->setGridLineColor(Mix(base, text, 0.3));
     axis->setMinorGridLineColor(Mix(base, text, 0.15));
+    axis->setTitleBrush(text);
   }
+  chart()->legend()->setLabelColor(text);
+  // The curves take colours that read on this background.
+  for (int s = 0; s < 2; ++s) {
+    const QColor color = setColor(s + 1);
+    for (QLineSeries* series : drawn_[s]) {
+      QPen pen = series->pen();
+      pen.setColor(color);
+      series->setPen(pen);
+    }
+    for (QAbstractSeries* shape : shapes_[s]) {
+      if (auto* marks = qobject_cast<QScatterSeries*>(shape)) {
+        marks->setColor(color);
+        marks->setBorderColor(color);
+      } else if (auto* area = qobject_cast<QAreaSeries*>(shape)) {
+        QColor fill = color;
+        fill.setAlpha(110);
+        area->setBrush(fill);
+        area->setPen(QPen(color, 1));
+      }
+    }
+  }
+}
+
+QColor ChartWidget::setColor(int set) const {
+  const QColor base = palette().color(QPalette::Base);
+  return ToQColor(SeriesColor(set, Rgb{static_cast<std::uint8_t>(base.red()), static_cast<std::uint8_t>(base.green()),
+                                       static_cast<std::uint8_t>(base.blue())}));
+}
+
+void ChartWidget::setAxisTitles(const QString& x, const QString& y) {
+  xAxis_->setTitleText(x);
+  yLinear_->setTitleText(y);
+  yLog_->setTitleText(y);
+  for (QAbstractAxis* axis : {static_cast<QAbstractAxis*>(xAxis_), static_cast<QAbstractAxis*>(yLinear_),
+                              static_cast<QAbstractAxis*>(yLog_)}) {
+    axis->setTitleVisible(!axis->titleText().isEmpty());
+    QFont f = axis->titleFont();
+    f.setPointSizeF(font().pointSizeF());
+    f.setBold(false);
+    axis->setTitleFont(f);
+  }
+}
+
+void ChartWidget::setSetNames(const QString& first, const QString& second) {
+  names_[0] = first;
+  names_[1] = second;
+}
+
+void ChartWidget::setFitLine(std::optional<std::pair<QPointF, QPointF>> line, const QString& name) {
+  fitLine_ = std::move(line);
+  fitName_ = name;
 }
 
 void ChartWidget::resizeEvent(QResizeEvent* event) {
   refits_ = 0;
   QChartView::resizeEvent(event);
+  placeExportButton();
+  applyRanges();
 }
 
 void ChartWidget::changeEvent(QEvent* event) {
@@ -252,11 +345,43 @@ QAbstractAxis* ChartWidget::verticalAxis() const {
   return yLog_->isVisible() ? static_cast<QAbstractAxis*>(yLog_) : yLinear_;
 }
 
+void ChartWidget::applyRanges() {
+  if (fitting_) return;
+  const bool log = yLog_->isVisible();
+  const QRectF area = chart()->plotArea();
+  const double w = area.width() > 20 ? area.width() : width() - 80.0;
+  const double h = area.height() > 20 ? area.height() : height() - 60.0;
+  if (view_) {
+    ScaleView(xAxis_, view_->left(), view_->right(), w, kPixelsPerXTick);
+    if (log) {
+      yLog_->setRange(view_->top(), view_->bottom());
+    } else {
+      ScaleView(yLinear_, view_->top(), view_->bottom(), h, kPixelsPerYTick);
+    }
+    return;
+  }
+  Span xs, ys;
+  if (hasData_) {
+    xs.add(dataBounds_.left());
+    xs.add(dataBounds_.right());
+    ys.add(dataBounds_.top());
+    ys.add(dataBounds_.bottom());
+  }
+  ScaleLinear(xAxis_, xs, w, kPixelsPerXTick);
+  if (log) {
+    ScaleLog(yLog_, ys);
+  } else {
+    ScaleLinear(yLinear_, ys, h, kPixelsPerYTick);
+  }
+  fitEqualScale();
+}
+
 void ChartWidget::draw() {
   QChart* c = chart();
   c->removeAllSeries();
   drawn_ = {};
   shapes_ = {};
+  view_.reset();
   const bool log = type_ == Type::kLogLin && style_ == Style::kLines;
 
   Span xs, ys;
@@ -282,16 +407,11 @@ void ChartWidget::draw() {
       xs.add(points_[s].back().x() + BarWidth(points_[s], points_[s].size() - 1));
     }
   }
-
-  // Marks are drawn whole, and the tallest bar stays clear of the top edge.
-  if (style_ != Style::kLines && !xs.empty() && !ys.empty()) {
-    const double dx = xs.hi - xs.lo, dy = ys.hi - ys.lo;
-    if (style_ == Style::kPoints) {
-      xs.add(xs.lo - 0.04 * dx);
-      xs.add(xs.hi + 0.04 * dx);
-      ys.add(ys.lo - 0.04 * dy);
+  if (fitLine_ && !log) {
+    for (const QPointF& p : {fitLine_->first, fitLine_->second}) {
+      xs.add(p.x());
+      ys.add(p.y());
     }
-    ys.add(ys.hi + (style_ == Style::kPoints ? 0.04 : 0.08) * dy);
   }
 
   // Both vertical axes stay in the chart (a removed axis leaves its labels behind); the one
@@ -299,38 +419,194 @@ void ChartWidget::draw() {
   QAbstractAxis* yAxis = log ? static_cast<QAbstractAxis*>(yLog_) : yLinear_;
   yLinear_->setVisible(!log);
   yLog_->setVisible(log);
-  ScaleLinear(xAxis_, xs);
-  if (log) {
-    ScaleLog(yLog_, ys);
-    yLog_->setMinorGridLineVisible(grid_);
-  } else {
-    ScaleLinear(yLinear_, ys);
-  }
+  if (log) yLog_->setMinorGridLineVisible(grid_);
   xAxis_->setGridLineVisible(grid_);
   yAxis->setGridLineVisible(grid_);
   refits_ = 0;
   hasData_ = !xs.empty() && !ys.empty();
   if (hasData_) dataBounds_ = QRectF(QPointF(xs.lo, ys.lo), QPointF(xs.hi, ys.hi));
-  fitEqualScale();
+  applyRanges();
 
+  bool named = false;
   for (int s = 0; s < sets_; ++s) {
     if (style_ != Style::kLines) {
-      drawShapes(s, kSetColors[s]);
+      drawShapes(s, setColor(s + 1));
       continue;
     }
-    QPen pen(kSetColors[s]);
+    QPen pen(setColor(s + 1));
     pen.setWidthF(thin_ ? 1.0 : 2.0);
     pen.setStyle(styles_[s]);
     for (QList<QPointF>& run : runs[s]) {
       auto* series = new QLineSeries;
       series->replace(run);
       series->setPen(pen);
+      series->setName(names_[s]);
       c->addSeries(series);
       series->attachAxis(xAxis_);
       series->attachAxis(yAxis);
+      // One legend entry per set, however many runs a log axis broke it into.
+      for (QLegendMarker* m : c->legend()->markers(series)) m->setVisible(drawn_[s].isEmpty() && !names_[s].isEmpty());
       drawn_[s].append(series);
     }
+    named = named || !names_[s].isEmpty();
   }
+  if (fitLine_ && !log) {
+    auto* line = new QLineSeries;
+    line->append(fitLine_->first);
+    line->append(fitLine_->second);
+    QPen pen(setColor(2));
+    pen.setWidthF(1.5);
+    line->setPen(pen);
+    line->setName(fitName_);
+    c->addSeries(line);
+    line->attachAxis(xAxis_);
+    line->attachAxis(yLinear_);
+    for (QLegendMarker* m : c->legend()->markers(line)) m->setVisible(!fitName_.isEmpty());
+    named = named || !fitName_.isEmpty();
+  }
+  // A legend only where there is something to tell apart.
+  const bool legend = named && (sets_ == 2 || (fitLine_ && !log));
+  c->legend()->setVisible(legend);
+  if (legend) c->legend()->setAlignment(Qt::AlignTop);
+}
+
+void ChartWidget::zoomBy(double factor, QPointF centre) {
+  if (!hasData_ || !(factor > 0)) return;
+  const bool log = yLog_->isVisible();
+  QRectF v(QPointF(xAxis_->min(), log ? yLog_->min() : yLinear_->min()),
+           QPointF(xAxis_->max(), log ? yLog_->max() : yLinear_->max()));
+  const double l = centre.x() - (centre.x() - v.left()) * factor, r = centre.x() + (v.right() - centre.x()) * factor;
+  double t = v.top(), b = v.bottom();
+  if (!log) {
+    t = centre.y() - (centre.y() - v.top()) * factor;
+    b = centre.y() + (v.bottom() - centre.y()) * factor;
+  }
+  // Stop before the range is too narrow to label or too wide to hold.
+  if (!(r - l > 1e-12 * std::max(std::fabs(l), 1.0)) || !std::isfinite(r - l) || !(b - t > 0) || !std::isfinite(b - t)) return;
+  view_ = QRectF(QPointF(l, t), QPointF(r, b));
+  applyRanges();
+}
+
+void ChartWidget::resetView() {
+  view_.reset();
+  refits_ = 0;
+  applyRanges();
+}
+
+void ChartWidget::wheelEvent(QWheelEvent* event) {
+  const QPointF at = chart()->mapToValue(event->position(), nullptr);
+  if (!chart()->plotArea().contains(event->position())) {
+    QChartView::wheelEvent(event);
+    return;
+  }
+  zoomBy(std::pow(0.999, event->angleDelta().y()), at);
+  event->accept();
+}
+
+void ChartWidget::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton && chart()->plotArea().contains(event->position())) {
+    dragFrom_ = event->position().toPoint();
+    setCursor(Qt::ClosedHandCursor);
+    event->accept();
+    return;
+  }
+  QChartView::mousePressEvent(event);
+}
+
+void ChartWidget::mouseMoveEvent(QMouseEvent* event) {
+  if (dragFrom_ && hasData_) {
+    const QPoint now = event->position().toPoint();
+    const QPointF from = chart()->mapToValue(*dragFrom_), to = chart()->mapToValue(now);
+    const bool log = yLog_->isVisible();
+    QRectF v(QPointF(xAxis_->min(), log ? yLog_->min() : yLinear_->min()),
+             QPointF(xAxis_->max(), log ? yLog_->max() : yLinear_->max()));
+    v.translate(from.x() - to.x(), log ? 0 : from.y() - to.y());
+    view_ = v;
+    dragFrom_ = now;
+    applyRanges();
+  }
+  showReadout(event->position());
+  QChartView::mouseMoveEvent(event);
+}
+
+void ChartWidget::mouseReleaseEvent(QMouseEvent* event) {
+  if (dragFrom_) {
+    dragFrom_.reset();
+    unsetCursor();
+    event->accept();
+    return;
+  }
+  QChartView::mouseReleaseEvent(event);
+}
+
+void ChartWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+  resetView();
+  event->accept();
+}
+
+void ChartWidget::leaveEvent(QEvent* event) {
+  emit readout(QString());
+  QChartView::leaveEvent(event);
+}
+
+void ChartWidget::showReadout(QPointF pos) {
+  if (!hasData_ || !chart()->plotArea().contains(pos)) {
+    emit readout(QString());
+    return;
+  }
+  auto num = [](double v) { return QString::fromStdString(PlainText(v)); };
+  // The nearest stored point within a few pixels, else the cursor's own place.
+  double best = 12 * 12;
+  int bestSet = -1;
+  QPointF bestPoint;
+  for (int s = 0; s < sets_; ++s) {
+    QAbstractSeries* on = !drawn_[s].isEmpty() ? static_cast<QAbstractSeries*>(drawn_[s].front())
+                          : !shapes_[s].isEmpty() ? shapes_[s].front() : nullptr;
+    if (!on) continue;
+    for (const QPointF& p : points_[s]) {
+      const QPointF at = chart()->mapToPosition(p, on);
+      const double d = (at.x() - pos.x()) * (at.x() - pos.x()) + (at.y() - pos.y()) * (at.y() - pos.y());
+      if (d < best) {
+        best = d;
+        bestSet = s;
+        bestPoint = p;
+      }
+    }
+  }
+  if (bestSet >= 0) {
+    QString text = QStringLiteral("x = %1   y = %2").arg(num(bestPoint.x()), num(bestPoint.y()));
+    if (!names_[bestSet].isEmpty()) text += QStringLiteral("   (%1)").arg(names_[bestSet]);
+    emit readout(text);
+    return;
+  }
+  QAbstractSeries* any = nullptr;
+  for (int s = 0; s < sets_ && !any; ++s) {
+    if (!drawn_[s].isEmpty()) any = drawn_[s].front();
+    else if (!shapes_[s].isEmpty()) any = shapes_[s].front();
+  }
+  if (!any) {
+    emit readout(QString());
+    return;
+  }
+  const QPointF v = chart()->mapToValue(pos, any);
+  emit readout(QStringLiteral("x = %1   y = %2").arg(num(v.x()), num(v.y())));
+}
+
+void ChartWidget::copyImage() { QGuiApplication::clipboard()->setPixmap(grab()); }
+
+void ChartWidget::exportChart() {
+  const QString png = tr("PNG image (*.png)"), svg = tr("SVG drawing (*.svg)"), csv = tr("CSV points (*.csv)");
+  QString filter = png;
+  QString path = QFileDialog::getSaveFileName(this, tr("Save Chart"), QStringLiteral("graph.png"),
+                                              png + ";;" + svg + ";;" + csv, &filter);
+  if (path.isEmpty()) return;
+  QString suffix = QFileInfo(path).suffix().toLower();
+  if (suffix != "png" && suffix != "svg" && suffix != "csv") {
+    suffix = filter == svg ? "svg" : filter == csv ? "csv" : "png";
+    path += '.' + suffix;
+  }
+  const FileResult r = suffix == "png" ? savePng(path) : suffix == "svg" ? saveSvg(path) : saveCsv(path);
+  if (!r) QMessageBox::warning(this, tr("Save Chart"), tr("The file could not be written: %1").arg(QString::fromStdString(r.error)));
 }
 
 QString ChartWidget::csvText() const {
@@ -396,8 +672,14 @@ void ChartWidget::contextMenuEvent(QContextMenuEvent* event) {
   QAction* png = menu.addAction(tr("Save as PNG..."));
   QAction* svg = menu.addAction(tr("Save as SVG..."));
   QAction* csv = menu.addAction(tr("Save as CSV..."));
+  menu.addSeparator();
+  QAction* copy = menu.addAction(tr("Copy Image"));
+  QAction* reset = menu.addAction(tr("Reset Zoom"));
+  reset->setEnabled(zoomed());
   QAction* chosen = menu.exec(event->globalPos());
-  if (chosen == png) exportAs("png");
+  if (chosen == copy) copyImage();
+  else if (chosen == reset) resetView();
+  else if (chosen == png) exportAs("png");
   else if (chosen == svg) exportAs("svg");
   else if (chosen == csv) exportAs("csv");
 }

@@ -10,10 +10,13 @@
 #include <QPointF>
 #include <QValueAxis>
 #include <array>
+#include <optional>
 #include <vector>
 
 #include "engine/atomic_file.h"
 #include "graph/graph_plot.h"
+
+class QToolButton;
 
 namespace merida {
 
@@ -57,8 +60,31 @@ class ChartWidget : public QChartView {
   void setPoints(int set, const std::vector<ChartPoint>& points);
   QList<QPointF> points(int set = 1) const;
 
-  // Redraws the whole graph from the stored points; both axes scale to the data.
+  // Axis titles, with their units; "" leaves an axis untitled.
+  void setAxisTitles(const QString& x, const QString& y);
+  // The data sets' names: the legend shows them when two sets are drawn, and the readout names
+  // the set a point belongs to.
+  void setSetNames(const QString& first, const QString& second = QString());
+  // A straight line from `from` to `to` drawn over the points (a regression line), or none.
+  void setFitLine(std::optional<std::pair<QPointF, QPointF>> line, const QString& name = QString());
+
+  // Redraws the whole graph from the stored points. Both axes scale to the data with a little
+  // room, on steps of 1, 2 or 5 times a power of ten, with as many ticks as the size can label.
   void draw();
+
+  // The colour data set `set` is drawn in: readable on the palette's background.
+  QColor setColor(int set) const;
+
+  // Exploring: the wheel zooms about the cursor, a drag pans, a double-click (or resetView)
+  // returns to the data's range. A new draw also returns to it.
+  bool zoomed() const { return view_.has_value(); }
+  void zoomBy(double factor, QPointF centre);
+  void resetView();
+  // The chart as an image on the clipboard (Ctrl+C on the chart).
+  void copyImage();
+  // The save dialog for PNG, SVG or CSV (Ctrl+S in the window, or the Export button).
+  void exportChart();
+  QToolButton* exportButton() const { return exportButton_; }
 
   // The line series last drawn for a data set (a log axis breaks the line at values <= 0).
   QList<QLineSeries*> drawnSeries(int set = 1) const;
@@ -77,14 +103,29 @@ class ChartWidget : public QChartView {
   // The stored points as CSV: "x,y" per line, or "x1,y1,x2,y2" with two data sets.
   QString csvText() const;
 
+ signals:
+  // The point nearest the cursor, "x = 1.5   y = 2.25   (name)", or the cursor's own
+  // coordinates when no point is near; "" when the cursor leaves the chart.
+  void readout(const QString& text);
+
  protected:
   void contextMenuEvent(QContextMenuEvent* event) override;
   void changeEvent(QEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void leaveEvent(QEvent* event) override;
 
  private:
   void exportAs(const QString& suffix);
   void applyPalette();
+  // Sets both axes from the data (or the zoomed view) for the chart's present size.
+  void applyRanges();
+  void showReadout(QPointF pos);
+  void placeExportButton();
   // Widens one axis's range so that a unit spans as many pixels across as up.
   void fitEqualScale();
   // The bars or marks of one data set, on the linear axes.
@@ -99,6 +140,12 @@ class ChartWidget : public QChartView {
   int refits_ = 0;  // plot-area changes answered since the last draw or resize
   bool hasData_ = false;
   QRectF dataBounds_;  // the drawn points' extent, for the equal-scale fit
+  std::optional<QRectF> view_;  // the zoomed or panned range, in values
+  std::optional<QPoint> dragFrom_;
+  QString names_[2];
+  QString fitName_;
+  std::optional<std::pair<QPointF, QPointF>> fitLine_;
+  QToolButton* exportButton_ = nullptr;
   int sets_ = 1;
   std::array<QList<QPointF>, 2> points_;
   std::array<Qt::PenStyle, 2> styles_{Qt::SolidLine, Qt::SolidLine};

@@ -4,6 +4,7 @@
 #include <Eigen/Dense>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace merida {
 namespace {
@@ -67,6 +68,14 @@ MatrixResult MatrixControl::determinant() const {
   auto lu = Decompose(matrix_, order_);
   if (!lu.isInvertible()) return {MatrixStatus::Ok, {0.0}};
   return Checked({lu.determinant()});
+}
+
+double MatrixControl::conditionNumber() const {
+  const Eigen::JacobiSVD<MatrixD> svd(Eigen::Map<const MatrixD>(matrix_.data(), order_, order_));
+  const VectorD& sigma = svd.singularValues();
+  const double smallest = sigma(order_ - 1), largest = sigma(0);
+  if (!(smallest > 0)) return std::numeric_limits<double>::infinity();
+  return largest / smallest;
 }
 
 }  // namespace merida

@@ -32,6 +32,8 @@ class MatrixControl {
   MatrixResult inverse() const;
   // The determinant (0 for a singular matrix, never Singular).
   MatrixResult determinant() const;
+  // The 2-norm condition number (largest over smallest singular value); infinity when singular.
+  double conditionNumber() const;
 
  private:
   int order_ = 1;

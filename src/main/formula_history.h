@@ -2,14 +2,29 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
+
+#include "engine/atomic_file.h"
 
 namespace merida {
 
 class FormulaHistory {
  public:
+  // Formulas kept, in memory and in the file: the oldest give way.
+  static constexpr std::size_t kKept = 200;
+  // Longer formulas are not kept in the file (a box holds far less).
+  static constexpr std::size_t kLongestLine = 4096;
+  static constexpr const char* kFileName = "MERIDA.HIS";
+
+  // Reads the history kept beside MERIDA.DEF in `dir`, oldest first; a missing file is an
+  // empty history. Over-long lines are skipped; the reason for an unreadable file is returned.
+  std::string load(const std::filesystem::path& dir);
+  // Writes the history there, one formula per line, atomically and never through a link.
+  FileResult save(const std::filesystem::path& dir) const;
+
   // A calculated formula; blank ones and a repeat of the newest are not kept twice.
   void add(const std::string& formula);
 

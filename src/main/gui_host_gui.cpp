@@ -1,6 +1,8 @@
 // The input box's title is Japanese in both display languages, like the error messages.
 #include "main/gui_host_gui.h"
 
+#include "engine/english.h"
+
 #include <QApplication>
 #include <QCoreApplication>
 #include <QGridLayout>
@@ -70,7 +72,12 @@ std::optional<std::string> GuiHost::askValue(const std::string& prompt) {
 
 void GuiHost::showError(int /*code*/, const std::string& message) {
   if (!errors_) errors_ = new ErrorWindow(window_);
-  errors_->showMessage(QString::fromStdString(message), RaisingWindow(window_));
+  QString text = QString::fromStdString(message);
+  if (english_ && english_()) {
+    const std::string_view english = EnglishOf(message);
+    if (!english.empty()) text += '\n' + QString::fromUtf8(english.data(), static_cast<qsizetype>(english.size()));
+  }
+  errors_->showMessage(text, RaisingWindow(window_));
 }
 
 void GuiHost::showFault(const std::string& description) {

@@ -31,6 +31,9 @@ class GuiHost : public EngineHost {
   void setWindow(QWidget* window);
   // Replaces the input box (tests answer through this); an empty function restores the box.
   void setAnswerFunction(AnswerFunction answer) { answer_ = std::move(answer); }
+  // Whether the display language is English: the Error Message window then adds the English
+  // rendering of its Japanese message.
+  void setEnglish(std::function<bool()> english) { english_ = std::move(english); }
   // Replaces the fault message box; an empty function restores it.
   void setFaultFunction(FaultFunction fault) { fault_ = std::move(fault); }
   // The Error Message window, or nullptr before the first error.
@@ -45,6 +48,7 @@ class GuiHost : public EngineHost {
   QPointer<ErrorWindow> errors_;
   AnswerFunction answer_;
   FaultFunction fault_;
+  std::function<bool()> english_;
 };
 
 }  // namespace merida

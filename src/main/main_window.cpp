@@ -92,11 +92,18 @@ QString MainWindow::answerText() const { return Label1->text(); }
 
 void MainWindow::setAnswerText(const QString& text) { Label1->setText(text); }
 
+void MainWindow::keepHistoryIn(const std::filesystem::path& dir) {
+  // A history that cannot be read is not written over either: this run keeps its own in memory.
+  if (history_.load(dir).empty()) historyDir_ = dir;
+}
+
 void MainWindow::calc() {
   RunGuard guard(running_);
   if (!guard.entered()) return;
   Label1->clear();
   history_.add(Text1->text().toStdString());
+  // Kept at once: a crash or a kill later loses nothing typed before it.
+  if (historyDir_) history_.save(*historyDir_);
   auto answer = Calc(engine_, Text1->text().toStdString());
   if (answer) Label1->setText(QString::fromStdString(*answer));
   Text1->setFocus();

@@ -1,6 +1,9 @@
 // The main calculator window: formula box, answer, Calc, Rec, Clear, End and the tool buttons.
 #pragma once
 
+#include <filesystem>
+#include <optional>
+
 #include <array>
 #include <functional>
 
@@ -19,6 +22,9 @@ class MainWindow : public ToolWindow, public Ui::MainWindow {
   MainWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
 
   void retranslate() override;
+
+  // Keeps the formula history in MERIDA.HIS in `dir` from now on, starting from what it holds.
+  void keepHistoryIn(const std::filesystem::path& dir);
 
   // Enables button `commandNumber` (2, 3, 7..20) to open its window; buttons without an
   // opener stay disabled.
@@ -50,6 +56,7 @@ class MainWindow : public ToolWindow, public Ui::MainWindow {
   std::array<std::function<void()>, 21> openers_;  // by command number
   bool running_ = false;                           // Calc or Rec in progress
   FormulaHistory history_;
+  std::optional<std::filesystem::path> historyDir_;
 };
 
 }  // namespace merida

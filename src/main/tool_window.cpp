@@ -1,6 +1,11 @@
 // Shared window behaviour.
 #include "main/tool_window.h"
 
+#include "controls/chart_widget.h"
+#include "engine/english.h"
+
+#include <QListWidget>
+
 #include <QBoxLayout>
 #include <QCloseEvent>
 #include <QDateTime>
@@ -60,6 +65,17 @@ void PlaceBelowContent(QLayout* layout, QWidget* bar) {
     }
   }
   box->addWidget(bar);
+}
+
+// The box layout that holds `w` directly, searched from `layout` down.
+QBoxLayout* BoxHolding(QLayout* layout, QWidget* w) {
+  if (!layout) return nullptr;
+  for (int i = 0; i < layout->count(); ++i) {
+    QLayoutItem* item = layout->itemAt(i);
+    if (item->widget() == w) return qobject_cast<QBoxLayout*>(layout);
+    if (QBoxLayout* found = BoxHolding(item->layout(), w)) return found;
+  }
+  return nullptr;
 }
 
 }  // namespace
@@ -244,7 +260,61 @@ void ToolWindow::keyPressEvent(QKeyEvent* event) {
   QWidget::keyPressEvent(event);
 }
 
+void ToolWindow::showStatus(const QString& text) {
+  if (!statusLine_) {
+    statusLine_ = new QLabel(this);
+    statusLine_->setObjectName(QStringLiteral("StatusLine"));
+    statusLine_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    // One line high even when empty, so the window does not jump as the text comes and goes.
+    statusLine_->setMinimumHeight(statusLine_->fontMetrics().height() + 4);
+    statusLine_->setMinimumWidth(0);
+    statusLine_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    // Under the chart where there is one, as wide as it; else under everything.
+    ChartWidget* chart = findChild<ChartWidget*>();
+    QBoxLayout* holder = chart ? BoxHolding(layout(), chart) : nullptr;
+    if (holder && holder->direction() == QBoxLayout::TopToBottom) {
+      holder->insertWidget(holder->indexOf(chart) + 1, statusLine_);
+    } else if (holder) {
+      const int at = holder->indexOf(chart), stretch = holder->stretch(at);
+      holder->removeWidget(chart);
+      auto* column = new QVBoxLayout;
+      column->addWidget(chart, 1);
+      column->addWidget(statusLine_);
+      holder->insertLayout(at, column, stretch);
+    } else {
+      PlaceBelowContent(layout(), statusLine_);
+    }
+  }
+  statusLine_->setText(text);
+  statusLine_->setToolTip(text);
+}
+
+void ToolWindow::explainJapanese(QLabel* label) {
+  const std::string_view english = japanese() ? std::string_view() : EnglishOf(label->text().toStdString());
+  const QString text = QString::fromUtf8(english.data(), static_cast<qsizetype>(english.size()));
+  label->setToolTip(text);
+  if (!text.isEmpty()) showStatus(text);
+}
+
+void ToolWindow::explainJapanese(QListWidget* list) {
+  for (int i = 0; i < list->count(); ++i) {
+    QListWidgetItem* item = list->item(i);
+    const std::string line = item->text().toStdString();
+    const std::string with = japanese() ? line : WithEnglish(line);
+    // WithEnglish appends " (English)"; the tooltip is the English alone.
+    item->setToolTip(with.size() > line.size() ? QString::fromStdString(with.substr(line.size() + 2, with.size() - line.size() - 3))
+                                               : QString());
+  }
+}
+
 void ToolWindow::showEvent(QShowEvent* event) {
+  // A chart's readout of the point under the cursor goes to the status line.
+  for (ChartWidget* chart : findChildren<ChartWidget*>()) {
+    if (chart->window() != this || chart->property("readoutWired").toBool()) continue;
+    chart->setProperty("readoutWired", true);
+    showStatus(QString());
+    connect(chart, &ChartWidget::readout, this, &ToolWindow::showStatus);
+  }
   std::vector<QWidget*> order;
   CollectInLayoutOrder(layout(), order);
   for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);

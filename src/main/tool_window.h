@@ -17,6 +17,7 @@
 #include "engine/job.h"
 #include "main/app_state.h"
 
+class QListWidget;
 class QProgressBar;
 class QTimer;
 
@@ -45,6 +46,18 @@ class ToolWindow : public QWidget {
 
   // Sets every caption for the current display language (tr() with the installed translator).
   virtual void retranslate() = 0;
+
+  // The line under the controls: what the cursor is over in a chart, what a run did.
+  QLabel* statusLine() const { return statusLine_; }
+  void showStatus(const QString& text);
+
+ protected:
+  // In English mode a Japanese-only text gets its English as a tooltip and in the status line
+  // (a label) or as each line's tooltip (a list); in Japanese mode nothing changes.
+  void explainJapanese(QLabel* label);
+  void explainJapanese(QListWidget* list);
+
+ public:
 
  protected:
   // What a job writes that other windows' jobs may write too.
@@ -97,6 +110,7 @@ class ToolWindow : public QWidget {
   QPushButton* goButton_ = nullptr;
   QString goCaption_;
   QProgressBar* progressBar_ = nullptr;
+  QLabel* statusLine_ = nullptr;
   QTimer* progressTimer_ = nullptr;
   int64_t startedMs_ = 0;
   bool waiting_ = false;  // for the record table's turn

@@ -21,7 +21,7 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   connect(Command5, &QPushButton::clicked, this, [this] { display(Command5, FftShow::kCorrelation); });
   connect(Command7, &QPushButton::clicked, this, [this] {
     SpectrumWindow* w = spectrumWindow();
-    w->setMatrix(analysis_.continuousMatrix());
+    w->setMatrix(analysis_.continuousMatrix(), analysis_.frameDuration(), analysis_.source() == FftSource::kWave);
     w->show();
     w->raise();
   });
@@ -44,7 +44,21 @@ FftWindow::FftWindow(Engine& engine, AppState& state, std::function<QString()> f
   Graph1->draw();
 }
 
-void FftWindow::retranslate() { retranslateUi(this); }
+void FftWindow::retranslate() {
+  retranslateUi(this);
+  titleChart();
+}
+
+void FftWindow::titleChart() {
+  // Sound is sampled in seconds, so its frequencies are in hertz.
+  const QString x = shown_ == FftShow::kCorrelation   ? tr("Lag (samples)")
+                    : analysis_.source() == FftSource::kWave ? tr("Frequency (Hz)")
+                                                        : tr("Frequency (cycles per unit of x)");
+  const QString y = shown_ == FftShow::kFourier ? tr("Coefficient")
+                    : shown_ == FftShow::kPower ? tr("Power")
+                                                : tr("Autocorrelation");
+  Graph1->setAxisTitles(x, y);
+}
 
 FftSource FftWindow::source() const {
   return Check1->isChecked() ? FftSource::kWave : Check2->isChecked() ? FftSource::kMerida : FftSource::kFormula;
@@ -116,6 +130,8 @@ void FftWindow::display(QPushButton* button, FftShow what) {
     stopJob();
     return;
   }
+  shown_ = what;
+  titleChart();
   auto job = std::make_shared<std::unique_ptr<FrequencyAnalysis>>();
   auto result = std::make_shared<FftDisplayResult>();
   // Continue shows its frames as they come; a frame still waiting to be drawn gives way to a newer one.

@@ -29,6 +29,7 @@ class FftWindow : public ToolWindow, public Ui::FftWindow {
   SpectrumWindow* spectrumWindow();
 
  private:
+  void titleChart();
   void go();
   void display(QPushButton* button, FftShow what);
   // Ticking one box of a pair clears the other; Average and Continue only exist for recorded data.
@@ -39,6 +40,7 @@ class FftWindow : public ToolWindow, public Ui::FftWindow {
 
   std::function<QString()> formula_;
   FrequencyAnalysis analysis_;
+  FftShow shown_ = FftShow::kPower;  // what the chart's axes are titled for
   QPointer<StatDataWindow> data_;
   QPointer<SpectrumWindow> spectrum_;
 };

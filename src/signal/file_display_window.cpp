@@ -17,7 +17,10 @@ FileDisplayWindow::FileDisplayWindow(Engine& engine, AppState& state, QWidget* p
   Graph1->draw();
 }
 
-void FileDisplayWindow::retranslate() { retranslateUi(this); }
+void FileDisplayWindow::retranslate() {
+  retranslateUi(this);
+  Graph1->setAxisTitles(tr("Time (s)"), tr("Amplitude"));
+}
 
 void FileDisplayWindow::display() {
   Graph1->setPoints(1, FileDisplayPoints(state_.Records));

@@ -3,6 +3,7 @@
 
 #include <QLinearGradient>
 #include <QOffscreenSurface>
+#include <cmath>
 #include <QOpenGLContext>
 #include <QtDataVisualization/Q3DCamera>
 #include <QtDataVisualization/Q3DScene>
@@ -12,14 +13,15 @@
 
 namespace merida {
 
-QSurfaceDataArray* SurfaceRows(const std::vector<std::vector<float>>& matrix) {
+QSurfaceDataArray* SurfaceRows(const std::vector<std::vector<float>>& matrix, double perPoint, double perFrame) {
   auto* rows = new QSurfaceDataArray;
   rows->reserve(static_cast<qsizetype>(matrix.size()));
   for (size_t f = 0; f < matrix.size(); ++f) {
     auto* row = new QSurfaceDataRow(static_cast<qsizetype>(matrix[f].size()));
     for (size_t p = 0; p < matrix[f].size(); ++p) {
       (*row)[static_cast<qsizetype>(p)].setPosition(
-          QVector3D(static_cast<float>(p), matrix[f][p], static_cast<float>(f)));
+          QVector3D(static_cast<float>(static_cast<double>(p) * perPoint), matrix[f][p],
+                    static_cast<float>(static_cast<double>(f) * perFrame)));
     }
     rows->append(row);
   }
@@ -63,7 +65,14 @@ SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
       graph_->axisY()->setTitleVisible(true);
       graph_->axisZ()->setTitleVisible(true);
       graph_->scene()->activeCamera()->setCameraPreset(Q3DCamera::CameraPresetIsometricLeftHigh);
-      graph_->scene()->activeCamera()->setZoomLevel(80);
+      graph_->scene()->activeCamera()->setZoomLevel(90);
+      // The theme's labels are sized for a full-screen scene: at the window's size they would be
+      // a few pixels high.
+      QFont labels = graph_->activeTheme()->font();
+      labels.setPointSizeF(labels.pointSizeF() * 2.2);
+      graph_->activeTheme()->setFont(labels);
+      for (QValue3DAxis* axis : {graph_->axisX(), graph_->axisY(), graph_->axisZ()}) axis->setLabelFormat("%.4g");
+      graph_->axisY()->setSegmentCount(4);
       Container = QWidget::createWindowContainer(graph_, this);
       Container->setObjectName("Container");
     } else {
@@ -92,17 +101,21 @@ void SpectrumWindow::retranslate() {
   retranslateUi(this);
   if (NoGraphics) NoGraphics->setText(tr("The surface cannot be drawn: OpenGL is not available here."));
   if (graph_) {
-    graph_->axisX()->setTitle(tr("Frequency"));
+    graph_->axisX()->setTitle(hertz_ ? tr("Frequency (Hz)") : tr("Frequency (cycles per unit of x)"));
     graph_->axisY()->setTitle(tr("Percent"));
-    graph_->axisZ()->setTitle(tr("Frame"));
+    graph_->axisZ()->setTitle(hertz_ ? tr("Time (s)") : tr("Time (units of x)"));
   }
 }
 
-void SpectrumWindow::setMatrix(const std::vector<std::vector<float>>& matrix) {
+void SpectrumWindow::setMatrix(const std::vector<std::vector<float>>& matrix, double frameDuration, bool seconds) {
   frames_ = static_cast<int>(matrix.size());
   points_ = matrix.empty() ? 0 : static_cast<int>(matrix.front().size());
+  hertz_ = seconds;
+  retranslate();
   if (!series_) return;
-  series_->dataProxy()->resetArray(SurfaceRows(matrix));
+  // Point k of a frame T long is k / T cycles per unit; frame f starts f T after the first.
+  const double t = frameDuration > 0 && std::isfinite(frameDuration) ? frameDuration : 1;
+  series_->dataProxy()->resetArray(SurfaceRows(matrix, 1 / t, t));
 }
 
 void SpectrumWindow::print() {

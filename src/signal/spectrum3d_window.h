@@ -13,7 +13,8 @@ namespace merida {
 
 // One surface row per frame, one item per frequency point: x the point, y the percent, z the frame.
 // The caller owns the array (or hands it to a QSurfaceDataProxy, which takes it).
-QSurfaceDataArray* SurfaceRows(const std::vector<std::vector<float>>& matrix);
+// x is the point's frequency and z the frame's start when `perPoint` and `perFrame` give them.
+QSurfaceDataArray* SurfaceRows(const std::vector<std::vector<float>>& matrix, double perPoint = 1, double perFrame = 1);
 
 // Whether this session can draw with OpenGL at all; a surface without a context would crash.
 bool OpenGlAvailable();
@@ -25,8 +26,9 @@ class SpectrumWindow : public ToolWindow, public Ui::SpectrumWindow {
   SpectrumWindow(Engine& engine, AppState& state, QWidget* parent = nullptr);
 
   void retranslate() override;
-  // Rows are frames, columns frequency points, values in percent.
-  void setMatrix(const std::vector<std::vector<float>>& matrix);
+  // Rows are frames, columns frequency points, values in percent. Frames are `frameDuration`
+  // long, in seconds when `seconds` (recorded sound), else in units of the formula's variable.
+  void setMatrix(const std::vector<std::vector<float>>& matrix, double frameDuration = 1, bool seconds = false);
 
   // Made in code: which of the two the window has depends on OpenGL at run time.
   QLabel* NoGraphics = nullptr;       // shown instead of the surface when there is no OpenGL
@@ -42,6 +44,7 @@ class SpectrumWindow : public ToolWindow, public Ui::SpectrumWindow {
   Q3DSurface* graph_ = nullptr;
   QSurface3DSeries* series_ = nullptr;
   int frames_ = 0, points_ = 0;
+  bool hertz_ = false;
 };
 
 }  // namespace merida

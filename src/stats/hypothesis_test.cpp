@@ -2,6 +2,15 @@
 #include "stats/hypothesis_test.h"
 
 #include <algorithm>
+// GCC 12 sees an uninitialised value through the F quantile's inlined root search that
+// cannot be reached: the search sets both values before they are read.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#include <boost/math/distributions/chi_squared.hpp>
+#include <boost/math/distributions/fisher_f.hpp>
+#include <boost/math/distributions/normal.hpp>
+#include <boost/math/distributions/students_t.hpp>
+#pragma GCC diagnostic pop
 #include <cmath>
 #include <utility>
 
@@ -72,19 +81,23 @@ struct ColumnSummary {
   int count = 0;
 };
 
-// Mean and population deviation √(Σx²/n − x̄²) of one column, sums in row order.
+// Mean and population deviation √(Σx²/n − x̄²) of one column, sums in row order. The sums are
+// taken in double around the first value: shifting every x leaves the formula's value as it is,
+// and values near 1e6 that differ in their last places no longer cancel to nothing.
 ColumnSummary Summarize(const RecordFunctionTable& t, int column) {
-  float sum = 0, squares = 0;
+  const double origin = t.count >= 1 ? t.values[1][column] : 0;
+  double sum = 0, squares = 0;
   for (int i = 1; i <= t.count; ++i) {
-    const float x = t.values[i][column];
-    sum += x;
-    squares += x * x;
+    const double d = static_cast<double>(t.values[i][column]) - origin;
+    sum += d;
+    squares += d * d;
   }
   ColumnSummary s;
   s.count = t.count;
-  s.mean = sum / t.count;
+  const double shifted = sum / t.count;
+  s.mean = static_cast<float>(origin + shifted);
   // Rounding can leave a constant column's variance a hair below zero.
-  s.deviation = std::sqrt(std::max(0.0f, squares / t.count - s.mean * s.mean));
+  s.deviation = static_cast<float>(std::sqrt(std::max(0.0, squares / t.count - shifted * shifted)));
   return s;
 }
 
@@ -103,6 +116,31 @@ std::optional<int> RecordColumn(Engine& engine, std::string_view text, int highe
 std::optional<TestResult> Refuse(Engine& engine, int code) {
   engine.Fail(code);
   return std::nullopt;
+}
+
+// Errors come back as NaN instead of exceptions: a value that cannot be had is left unshown.
+using Quiet = boost::math::policies::policy<
+    boost::math::policies::domain_error<boost::math::policies::ignore_error>,
+    boost::math::policies::overflow_error<boost::math::policies::ignore_error>,
+    boost::math::policies::evaluation_error<boost::math::policies::ignore_error>>;
+
+template <class Distribution>
+std::optional<ExactTail> UpperTail(const Distribution& d, double statistic, double alpha, bool twoSided) {
+  if (!std::isfinite(statistic)) return std::nullopt;
+  const double tail = boost::math::cdf(boost::math::complement(d, std::fabs(statistic)));
+  const ExactTail t{twoSided ? std::min(1.0, 2 * tail) : tail,
+                    boost::math::quantile(boost::math::complement(d, twoSided ? alpha / 2 : alpha))};
+  if (!std::isfinite(t.pValue) || !std::isfinite(t.critical)) return std::nullopt;
+  return t;
+}
+
+double Alpha(int level) { return level == 1 ? 0.01 : 0.05; }
+
+void AddExact(TestResult& r, const std::optional<ExactTail>& exact) {
+  if (!exact) return;
+  r.pValue = exact->pValue;
+  r.exactCritical = exact->critical;
+  r.decisionDiffers = (r.statistic > r.critical) != (r.statistic > exact->critical);
 }
 
 std::optional<TestResult> MeanTest(Engine& engine, const RecordFunctionTable& table, const TestInput& in) {
@@ -134,11 +172,13 @@ std::optional<TestResult> MeanTest(Engine& engine, const RecordFunctionTable& ta
     if (*n < 1 || *sigma.value == 0) return Refuse(engine, 46);
     r.statistic = gap * std::sqrt(static_cast<float>(*n)) / static_cast<float>(*sigma.value);
     r.critical = CriticalT(in.level, kInfiniteFreedom);
+    AddExact(r, ExactT(in.level, r.statistic, kInfiniteFreedom));
   } else {
     if (*n < 2) return Refuse(engine, 48);  // no freedom left once the mean is estimated
     if (*s.value == 0) return Refuse(engine, 46);
     r.statistic = gap * std::sqrt(static_cast<float>(*n - 1)) / static_cast<float>(*s.value);
     r.critical = CriticalT(in.level, *n - 1);
+    AddExact(r, ExactT(in.level, r.statistic, *n - 1));
   }
   if (!std::isfinite(r.statistic)) return Refuse(engine, 46);
   r.conclusion = r.statistic > r.critical ? "標本の平均値は、母集団と異なる" : "標本の平均値は、母集団と異なるとは言えない";
@@ -181,6 +221,7 @@ std::optional<TestResult> VarianceTest(Engine& engine, const RecordFunctionTable
   r.statistic = (fa * sA * sA / (fa - 1)) / (fb * sB * sB / (fb - 1));
   if (!std::isfinite(r.statistic)) return Refuse(engine, 46);
   r.critical = CriticalF(in.level, nA - 1, nB - 1);
+  AddExact(r, ExactF(in.level, r.statistic, nA - 1, nB - 1));
   r.conclusion = r.statistic > r.critical ? "２標本の分散は異なる" : "２標本の分散は異なるとは言えない";
   return r;
 }
@@ -213,11 +254,31 @@ std::optional<TestResult> ChiSquareTest(Engine& engine, const RecordFunctionTabl
   if (!std::isfinite(chi)) return Refuse(engine, 46);
   r.statistic = chi;
   r.critical = CriticalChiSquare(in.level, static_cast<int>(std::min<long long>(nu, kInfiniteFreedom)));
+  AddExact(r, ExactChiSquare(in.level, r.statistic, nu));
   r.conclusion = r.statistic > r.critical ? "適合するとは言えない" : "適合すると言える";
   return r;
 }
 
 }  // namespace
+
+std::optional<ExactTail> ExactT(int level, double statistic, long long nu) {
+  if (nu >= kInfiniteFreedom) return UpperTail(boost::math::normal_distribution<double, Quiet>(), statistic, Alpha(level), true);
+  if (nu < 1) return std::nullopt;
+  return UpperTail(boost::math::students_t_distribution<double, Quiet>(static_cast<double>(nu)), statistic,
+                   Alpha(level), true);
+}
+
+std::optional<ExactTail> ExactF(int level, double statistic, long long nu1, long long nu2) {
+  if (nu1 < 1 || nu2 < 1) return std::nullopt;
+  return UpperTail(boost::math::fisher_f_distribution<double, Quiet>(static_cast<double>(nu1), static_cast<double>(nu2)),
+                   statistic, Alpha(level), false);
+}
+
+std::optional<ExactTail> ExactChiSquare(int level, double statistic, long long nu) {
+  if (nu < 1) return std::nullopt;
+  return UpperTail(boost::math::chi_squared_distribution<double, Quiet>(static_cast<double>(nu)), statistic,
+                   Alpha(level), false);
+}
 
 float CriticalT(int level, int nu) {
   const float* rows = kTTable[LevelIndex(level)];

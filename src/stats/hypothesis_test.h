@@ -28,6 +28,11 @@ struct TestResult {
   float statistic = 0, critical = 0;
   std::string statisticBox, criticalBox;  // Text7, Text8
   std::string conclusion;                 // Label8
+  // Beside the tables: the distribution's own p-value and critical value (two-sided for the
+  // mean test, upper tail for F and chi-square), in double precision, and whether the exact
+  // critical value would have decided the other way.
+  std::optional<double> pValue, exactCritical;
+  bool decisionDiffers = false;
 };
 
 // Errors 45 to 48 (and 46 for a count or deviation that makes the statistic undefined) are
@@ -42,5 +47,14 @@ constexpr int kInfiniteFreedom = INT_MAX;
 float CriticalT(int level, int nu);
 float CriticalChiSquare(int level, int nu);
 float CriticalF(int level, int nu1, int nu2);
+
+// The exact values, for degrees of freedom kInfiniteFreedom meaning the normal distribution.
+// nullopt where the distribution cannot be evaluated (no freedom, a statistic that is not finite).
+struct ExactTail {
+  double pValue, critical;
+};
+std::optional<ExactTail> ExactT(int level, double statistic, long long nu);
+std::optional<ExactTail> ExactF(int level, double statistic, long long nu1, long long nu2);
+std::optional<ExactTail> ExactChiSquare(int level, double statistic, long long nu);
 
 }  // namespace merida

@@ -1,6 +1,8 @@
 // The Statistical Analysis window: every number comes from stats/statistics.
 #include "stats/stat_window.h"
 
+#include <algorithm>
+
 #include <QEvent>
 #include <QGuiApplication>
 
@@ -41,6 +43,7 @@ void StatWindow::retranslate() { retranslateUi(this); }
 void StatWindow::showTableStatus() {
   const RecordFunctionTable& t = state_.Records;
   Label14->setText(QString::fromUtf8(RecordKindText(t.kind)));
+  explainJapanese(Label14);
   const bool known = t.kind >= WaveData && t.kind <= OrbitaData;
   Label3->setText(known ? QString::number(t.dimension) : QString());
   Label4->setText(known ? QString::number(t.count) : QString());
@@ -69,8 +72,12 @@ TestWindow* StatWindow::testWindow() {
   return test_;
 }
 
-void StatWindow::drawChart(ChartWidget::Style style, const std::vector<ChartPoint>& points) {
+void StatWindow::drawChart(ChartWidget::Style style, const std::vector<ChartPoint>& points,
+                           std::optional<std::pair<QPointF, QPointF>> fit) {
   Graph1->setStyle(style);
+  Graph1->setFitLine(fit, tr("Regression line"));
+  if (style == ChartWidget::Style::kBars) Graph1->setAxisTitles(tr("Class"), tr("Frequency"));
+  else Graph1->setAxisTitles(QStringLiteral("x"), QStringLiteral("y"));
   Graph1->setPoints(1, points);
   Graph1->draw();
 }
@@ -99,7 +106,15 @@ void StatWindow::regression() {
   Text7->setText(Box(r->aBox));
   Text8->setText(Box(r->bBox));
   Text9->setText(Box(r->rBox));
-  drawChart(ChartWidget::Style::kPoints, r->chart);
+  // y = a x + b across the points' x range.
+  std::optional<std::pair<QPointF, QPointF>> fit;
+  if (r->a && r->b && !r->chart.empty()) {
+    const auto [lo, hi] = std::minmax_element(r->chart.begin(), r->chart.end(),
+                                              [](const ChartPoint& p, const ChartPoint& q) { return p.x < q.x; });
+    const double a = *r->a, b = *r->b;
+    fit = std::make_pair(QPointF(lo->x, a * lo->x + b), QPointF(hi->x, a * hi->x + b));
+  }
+  drawChart(ChartWidget::Style::kPoints, r->chart, fit);
 }
 
 void StatWindow::multipleRegression() {

@@ -2,6 +2,8 @@
 // of the record function table's columns, and the doors to the data, multiple regression and tests.
 #pragma once
 
+#include <optional>
+
 #include <QPointer>
 
 #include "controls/chart_widget.h"
@@ -37,7 +39,8 @@ class StatWindow : public ToolWindow, public Ui::StatWindow {
   void basic();
   void regression();
   void multipleRegression();
-  void drawChart(ChartWidget::Style style, const std::vector<ChartPoint>& points);
+  void drawChart(ChartWidget::Style style, const std::vector<ChartPoint>& points,
+                 std::optional<std::pair<QPointF, QPointF>> fit = std::nullopt);
 
   QPointer<StatDataWindow> data_;
   QPointer<MultRegWindow> multReg_;

@@ -13,7 +13,10 @@ TestWindow::TestWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   connect(Check1, &QCheckBox::toggled, Text9, &QWidget::setEnabled);
 }
 
-void TestWindow::retranslate() { retranslateUi(this); }
+void TestWindow::retranslate() {
+  retranslateUi(this);
+  if (last_) showExact(last_->first, last_->second);
+}
 
 void TestWindow::run(TestKind kind) {
   QLineEdit* const boxes[] = {Text1, Text2, Text3, Text4, Text5, Text6};
@@ -30,6 +33,22 @@ void TestWindow::run(TestKind kind) {
   Text7->setText(QString::fromStdString(r->statisticBox));
   Text8->setText(QString::fromStdString(r->criticalBox));
   Label8->setText(QString::fromStdString(r->conclusion));
+  explainJapanese(Label8);
+  showExact(kind, *r);
+}
+
+void TestWindow::showExact(TestKind kind, const TestResult& r) {
+  last_.emplace(kind, r);
+  if (!r.pValue || !r.exactCritical) {
+    ExactLabel->clear();
+    return;
+  }
+  const QString tail = kind == TestKind::kMean ? tr("two-sided") : tr("upper tail");
+  QString text = tr("Exact: p-value %1, critical value %2 (%3)")
+                     .arg(QString::number(*r.pValue, 'g', 6), QString::number(*r.exactCritical, 'g', 6), tail);
+  // The table's interpolation can fall on the other side of the statistic.
+  if (r.decisionDiffers) text += '\n' + tr("The exact critical value gives the other conclusion.");
+  ExactLabel->setText(text);
 }
 
 }  // namespace merida

@@ -1,6 +1,9 @@
 // The Test window: t (or normal), F and chi-square tests against tables of critical values.
 #pragma once
 
+#include <optional>
+#include <utility>
+
 #include "main/tool_window.h"
 #include "stats/hypothesis_test.h"
 #include "ui_test_window.h"
@@ -17,7 +20,10 @@ class TestWindow : public ToolWindow, public Ui::TestWindow {
   int level() const { return Option2->isChecked() ? 1 : 5; }
 
  private:
+  void showExact(TestKind kind, const TestResult& r);
   void run(TestKind kind);
+
+  std::optional<std::pair<TestKind, TestResult>> last_;  // shown beside the table's answer
 };
 
 }  // namespace merida

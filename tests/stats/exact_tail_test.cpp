@@ -1,0 +1,104 @@
+// The exact p-values and critical values against tails integrated here from the densities.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include "stats/hypothesis_test.h"
+
+namespace merida {
+namespace {
+
+// Simpson's rule over 0..b after x = u², which keeps the densities with a pole at zero finite
+// (the integrand's value at zero is taken as its limit).
+double MassBelow(const std::function<double(double)>& density, double b) {
+  if (b <= 0) return 0;
+  const int n = 20000;
+  const double top = std::sqrt(b), h = top / n;
+  auto g = [&](double u) {
+    u = std::max(u, h * 1e-9);
+    return density(u * u) * 2 * u;
+  };
+  double sum = g(0) + g(top);
+  for (int i = 1; i < n; ++i) sum += g(i * h) * (i % 2 ? 4 : 2);
+  return sum * h / 3;
+}
+
+double TDensity(double nu, double x) {
+  return std::exp(std::lgamma((nu + 1) / 2) - std::lgamma(nu / 2) - 0.5 * std::log(nu * M_PI) -
+                  (nu + 1) / 2 * std::log1p(x * x / nu));
+}
+double ChiDensity(double k, double x) {
+  return std::exp((k / 2 - 1) * std::log(x) - x / 2 - k / 2 * std::log(2.0) - std::lgamma(k / 2));
+}
+double FDensity(double a, double b, double x) {
+  const double logBeta = std::lgamma(a / 2) + std::lgamma(b / 2) - std::lgamma((a + b) / 2);
+  return std::exp(0.5 * (a * std::log(a * x) + b * std::log(b) - (a + b) * std::log(a * x + b)) - std::log(x) - logBeta);
+}
+
+// Two-sided for t: the density is even, so the tail beyond |t| on both sides is 1 - 2 × mass(0..t).
+double TwoSidedT(double nu, double t) {
+  const double half = MassBelow([nu](double x) { return TDensity(nu, std::sqrt(x)) / (2 * std::sqrt(x)); }, t * t);
+  return 1 - 2 * half;
+}
+
+TEST(ExactTail, PValuesMatchTheIntegratedDensities) {
+  struct Case {
+    const char* what;
+    std::function<std::optional<ExactTail>(double)> exact;
+    std::function<double(double)> tail;
+    double statistic;
+  };
+  const auto t = [](long long nu) { return [nu](double s) { return ExactT(5, s, nu); }; };
+  const auto chi = [](long long nu) { return [nu](double s) { return ExactChiSquare(5, s, nu); }; };
+  const auto f = [](long long a, long long b) { return [a, b](double s) { return ExactF(5, s, a, b); }; };
+  const auto tTail = [](double nu) { return [nu](double s) { return TwoSidedT(nu, s); }; };
+  const auto chiTail = [](double k) { return [k](double s) { return 1 - MassBelow([k](double x) { return ChiDensity(k, x); }, s); }; };
+  const auto fTail = [](double a, double b) {
+    return [a, b](double s) { return 1 - MassBelow([a, b](double x) { return FDensity(a, b, x); }, s); };
+  };
+  const Case cases[] = {
+      {"t 1", t(1), tTail(1), 3.0},         {"t 2", t(2), tTail(2), 0.8},
+      {"t 9", t(9), tTail(9), 2.262},       {"t 9 small", t(9), tTail(9), 0.1},
+      {"t 35", t(35), tTail(35), 2.0315},   {"t 150", t(150), tTail(150), 1.5},
+      {"t 500", t(500), tTail(500), 2.6},   {"t 29", t(29), tTail(29), 0},
+      {"chi 1", chi(1), chiTail(1), 3.84},  {"chi 2", chi(2), chiTail(2), 1.0},
+      {"chi 10", chi(10), chiTail(10), 18.31}, {"chi 45", chi(45), chiTail(45), 61.65},
+      {"chi 120", chi(120), chiTail(120), 124.3}, {"chi 150", chi(150), chiTail(150), 124.3},
+      {"chi 30", chi(30), chiTail(30), 10},  {"chi 5", chi(5), chiTail(5), 25},
+      {"F 1,1", f(1, 1), fTail(1, 1), 161.4}, {"F 10,20", f(10, 20), fTail(10, 20), 2.35},
+      {"F 60,200", f(60, 200), fTail(60, 200), 1.0}, {"F 2,30", f(2, 30), fTail(2, 30), 0.5},
+      {"F 5,5", f(5, 5), fTail(5, 5), 5.05},  {"F 24,120", f(24, 120), fTail(24, 120), 1.61},
+      {"F 3,8", f(3, 8), fTail(3, 8), 12},    {"F 12,12", f(12, 12), fTail(12, 12), 1.0},
+  };
+  for (const Case& c : cases) {
+    const std::optional<ExactTail> e = c.exact(c.statistic);
+    ASSERT_TRUE(e) << c.what;
+    EXPECT_NEAR(e->pValue, c.tail(c.statistic), 2e-6) << c.what;
+    // At the exact critical value the tail is the danger rate itself.
+    EXPECT_NEAR(c.tail(e->critical), 0.05, 2e-6) << c.what;
+  }
+}
+
+TEST(ExactTail, KnownCriticalValuesAndLimits) {
+  // The values the tables round or approximate.
+  EXPECT_NEAR(ExactT(5, 1, kInfiniteFreedom)->critical, 1.959964, 1e-6);
+  EXPECT_NEAR(ExactT(1, 1, kInfiniteFreedom)->critical, 2.575829, 1e-6);
+  EXPECT_NEAR(ExactT(1, 1, 9)->critical, 3.249836, 1e-6);
+  EXPECT_NEAR(ExactChiSquare(5, 1, 150)->critical, 179.5806, 1e-4);
+  EXPECT_NEAR(ExactF(5, 1, 60, 200)->critical, 1.3856, 1e-3);
+  EXPECT_NEAR(ExactF(1, 1, 1, 1)->critical, 4052.181, 1e-2);
+  // No freedom or a statistic that is not a number: nothing to show.
+  EXPECT_FALSE(ExactT(5, 1, 0));
+  EXPECT_FALSE(ExactF(5, 1, 0, 3));
+  EXPECT_FALSE(ExactChiSquare(5, std::nan(""), 3));
+  EXPECT_FALSE(ExactChiSquare(5, INFINITY, 3));
+  // Far in the tail the p-value is tiny but not zero, and never above 1 near zero.
+  EXPECT_GT(ExactChiSquare(5, 1000, 3)->pValue, 0);
+  EXPECT_LE(ExactT(5, 0, 5)->pValue, 1);
+  EXPECT_NEAR(ExactT(5, 0, 5)->pValue, 1, 1e-12);
+}
+
+}  // namespace
+}  // namespace merida

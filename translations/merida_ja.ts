@@ -23,6 +23,34 @@
         <source>The file could not be written: %1</source>
         <translation>ファイルに書き込めません: %1</translation>
     </message>
+    <message>
+        <source>Export</source>
+        <translation>書き出し</translation>
+    </message>
+    <message>
+        <source>Save the chart as PNG, SVG or CSV (Ctrl+S); Ctrl+C copies it</source>
+        <translation>グラフを PNG・SVG・CSV で保存します (Ctrl+S)。Ctrl+C でコピーします</translation>
+    </message>
+    <message>
+        <source>PNG image (*.png)</source>
+        <translation>PNG 画像 (*.png)</translation>
+    </message>
+    <message>
+        <source>SVG drawing (*.svg)</source>
+        <translation>SVG 図 (*.svg)</translation>
+    </message>
+    <message>
+        <source>CSV points (*.csv)</source>
+        <translation>CSV 点列 (*.csv)</translation>
+    </message>
+    <message>
+        <source>Copy Image</source>
+        <translation>画像をコピー</translation>
+    </message>
+    <message>
+        <source>Reset Zoom</source>
+        <translation>拡大を元に戻す</translation>
+    </message>
 </context>
 <context>
     <name>merida::ColorWindow</name>
@@ -92,6 +120,14 @@
     <message>
         <source>Init</source>
         <translation>初期値</translation>
+    </message>
+    <message>
+        <source>Step</source>
+        <translation>ステップ</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
     </message>
 </context>
 <context>
@@ -556,6 +592,10 @@
         <source>Coeff</source>
         <translation>係数</translation>
     </message>
+    <message>
+        <source>Ill-conditioned (condition number about %1): the answer may have no correct digits</source>
+        <translation>条件数が約 %1 と大きく、答えに正しい桁がないおそれがあります</translation>
+    </message>
 </context>
 <context>
     <name>merida::StatDataWindow</name>
@@ -801,6 +841,14 @@
         <source>Close</source>
         <translation>中止</translation>
     </message>
+    <message>
+        <source>Time (s)</source>
+        <translation>時間 (秒)</translation>
+    </message>
+    <message>
+        <source>Amplitude</source>
+        <translation>振幅</translation>
+    </message>
 </context>
 <context>
     <name>merida::LoadWindow</name>
@@ -904,6 +952,30 @@
         <source>Close</source>
         <translation>中止</translation>
     </message>
+    <message>
+        <source>Lag (samples)</source>
+        <translation>ずれ (標本数)</translation>
+    </message>
+    <message>
+        <source>Frequency (cycles per unit of x)</source>
+        <translation>周波数 (x の単位あたりの周期数)</translation>
+    </message>
+    <message>
+        <source>Frequency (Hz)</source>
+        <translation>周波数 (Hz)</translation>
+    </message>
+    <message>
+        <source>Coefficient</source>
+        <translation>係数</translation>
+    </message>
+    <message>
+        <source>Power</source>
+        <translation>パワー</translation>
+    </message>
+    <message>
+        <source>Autocorrelation</source>
+        <translation>自己相関</translation>
+    </message>
 </context>
 <context>
     <name>merida::SpectrumWindow</name>
@@ -934,6 +1006,22 @@
     <message>
         <source>Frame</source>
         <translation>フレーム</translation>
+    </message>
+    <message>
+        <source>Frequency (Hz)</source>
+        <translation>周波数 (Hz)</translation>
+    </message>
+    <message>
+        <source>Frequency (cycles per unit of x)</source>
+        <translation>周波数 (x の単位あたりの周期数)</translation>
+    </message>
+    <message>
+        <source>Time (s)</source>
+        <translation>時間 (秒)</translation>
+    </message>
+    <message>
+        <source>Time (units of x)</source>
+        <translation>時間 (x の単位)</translation>
     </message>
 </context>
 <context>
@@ -1022,6 +1110,14 @@
         <source>Seek found no factor: the method did not converge.</source>
         <translation>求根できませんでした（収束しません）</translation>
     </message>
+    <message>
+        <source>Formula</source>
+        <translation>式</translation>
+    </message>
+    <message>
+        <source>Second function</source>
+        <translation>第２関数</translation>
+    </message>
 </context>
 <context>
     <name>merida::StatWindow</name>
@@ -1108,6 +1204,18 @@
     <message>
         <source>Close</source>
         <translation>中止</translation>
+    </message>
+    <message>
+        <source>Regression line</source>
+        <translation>回帰直線</translation>
+    </message>
+    <message>
+        <source>Class</source>
+        <translation>階級</translation>
+    </message>
+    <message>
+        <source>Frequency</source>
+        <translation>度数</translation>
     </message>
 </context>
 <context>
@@ -1218,6 +1326,22 @@
     <message>
         <source>Close</source>
         <translation>中止</translation>
+    </message>
+    <message>
+        <source>two-sided</source>
+        <translation>両側</translation>
+    </message>
+    <message>
+        <source>upper tail</source>
+        <translation>上側</translation>
+    </message>
+    <message>
+        <source>Exact: p-value %1, critical value %2 (%3)</source>
+        <translation>厳密値: p値 %1、臨界値 %2 (%3)</translation>
+    </message>
+    <message>
+        <source>The exact critical value gives the other conclusion.</source>
+        <translation>厳密な臨界値では逆の結論になります。</translation>
     </message>
 </context>
 <context>

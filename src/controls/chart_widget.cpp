@@ -146,7 +146,9 @@ ChartWidget::ChartWidget(QWidget* parent) : QChartView(parent) {
 
 void ChartWidget::placeExportButton() {
   exportButton_->adjustSize();
-  exportButton_->move(width() - exportButton_->width() - 2, 2);
+  // A chart too small for it keeps Ctrl+S and the context menu.
+  exportButton_->setVisible(width() >= 3 * exportButton_->width());
+  exportButton_->move(std::max(0, width() - exportButton_->width() - 2), 2);
   exportButton_->raise();
 }
 

@@ -20,6 +20,8 @@ GridWidget::GridWidget(QWidget* parent) : QTableWidget(parent) {
   setWordWrap(false);
   setTextElideMode(Qt::ElideNone);
   horizontalHeader()->setMinimumSectionSize(1);
+  // Tab moves on to the window's next control; arrows and Enter move between cells.
+  setTabKeyNavigation(false);
   connect(this, &QTableWidget::itemChanged, this, &GridWidget::markChanged);
 }
 

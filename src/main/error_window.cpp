@@ -40,10 +40,12 @@ ErrorWindow::ErrorWindow(QWidget* parent) : QDialog(parent) {
 
 void ErrorWindow::retranslate() { retranslateUi(this); }
 
-void ErrorWindow::showMessage(const QString& message, QWidget* raisedBy) {
+void ErrorWindow::showMessage(const QString& message, QWidget* raisedBy, const QString& english) {
   if (!isVisible()) {
     retranslate();
     Label1->setText(message);
+    EnglishLabel->setText(english);
+    EnglishLabel->setVisible(!english.isEmpty());
     adjustSize();
     if (raisedBy) {
       QWidget* anchor = raisedBy->window();

@@ -19,7 +19,8 @@ class ErrorWindow : public QDialog, public Ui::ErrorWindow {
 
   // Loads the window with the message, beside `raisedBy` so that it covers none of that
   // window; while it is open it is only brought to the front and keeps the message it has.
-  void showMessage(const QString& message, QWidget* raisedBy = nullptr);
+  // `english`, when not empty, is shown on a second line (the English of the Japanese message).
+  void showMessage(const QString& message, QWidget* raisedBy = nullptr, const QString& english = QString());
 
  private:
   void retranslate();

@@ -72,12 +72,12 @@ std::optional<std::string> GuiHost::askValue(const std::string& prompt) {
 
 void GuiHost::showError(int /*code*/, const std::string& message) {
   if (!errors_) errors_ = new ErrorWindow(window_);
-  QString text = QString::fromStdString(message);
+  QString english;
   if (english_ && english_()) {
-    const std::string_view english = EnglishOf(message);
-    if (!english.empty()) text += '\n' + QString::fromUtf8(english.data(), static_cast<qsizetype>(english.size()));
+    const std::string_view e = EnglishOf(message);
+    english = QString::fromUtf8(e.data(), static_cast<qsizetype>(e.size()));
   }
-  errors_->showMessage(text, RaisingWindow(window_));
+  errors_->showMessage(QString::fromStdString(message), RaisingWindow(window_), english);
 }
 
 void GuiHost::showFault(const std::string& description) {

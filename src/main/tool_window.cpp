@@ -87,6 +87,7 @@ ToolRun::ToolRun(const Engine& shared, const AppState& sharedState) : before(sha
 ToolWindow::ToolWindow(Engine& engine, AppState& state, QWidget* parent)
     : QWidget(parent, Qt::Window), engine_(engine), state_(state) {
   setAttribute(Qt::WA_DeleteOnClose, false);
+  shownIn_ = state_.DisplayLanguage;  // the subclass sets its captions in this language
 }
 
 ToolWindow::~ToolWindow() {
@@ -308,6 +309,10 @@ void ToolWindow::explainJapanese(QListWidget* list) {
 }
 
 void ToolWindow::showEvent(QShowEvent* event) {
+  // A window is loaded in the language of the moment: one kept from before a language switch
+  // takes the new captions when it opens again.
+  if (shownIn_ != state_.DisplayLanguage) retranslate();
+  shownIn_ = state_.DisplayLanguage;
   // A chart's readout of the point under the cursor goes to the status line.
   for (ChartWidget* chart : findChildren<ChartWidget*>()) {
     if (chart->window() != this || chart->property("readoutWired").toBool()) continue;

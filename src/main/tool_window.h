@@ -11,6 +11,7 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "engine/engine.h"
@@ -111,6 +112,7 @@ class ToolWindow : public QWidget {
   QString goCaption_;
   QProgressBar* progressBar_ = nullptr;
   QLabel* statusLine_ = nullptr;
+  int16_t shownIn_ = 0;  // the display language the captions were last set in
   QTimer* progressTimer_ = nullptr;
   int64_t startedMs_ = 0;
   bool waiting_ = false;  // for the record table's turn

@@ -46,6 +46,11 @@ LoadWindow::LoadWindow(Engine& engine, AppState& state, QWidget* parent) : ToolW
   connect(dirs_, &QFileSystemModel::directoryLoaded, this, [this](const QString& loaded) {
     if (dirPath_ == loaded || dirPath_.startsWith(loaded.endsWith('/') ? loaded : loaded + '/')) showDirPath();
   });
+  // It also sorts in the background: rows that land above the path push it out of view, so for a
+  // moment after a new path the view follows it (later the user's own scrolling wins).
+  connect(dirs_, &QAbstractItemModel::layoutChanged, this, [this] {
+    if (pathSet_.isValid() && pathSet_.elapsed() < 2000) Dir1->scrollTo(Dir1->currentIndex(), QAbstractItemView::PositionAtCenter);
+  });
   connect(Drive1, &QComboBox::currentIndexChanged, this, &LoadWindow::driveChanged);
   auto open = [this](const QModelIndex& index) { setDirPath(dirs_->filePath(index)); };
   connect(Dir1, &QTreeView::clicked, this, open);
@@ -102,6 +107,7 @@ int LoadWindow::driveOf(const QString& path) const {
 
 void LoadWindow::setDirPath(const QString& path) {
   dirPath_ = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+  pathSet_.start();
   const int drive = driveOf(dirPath_);
   const QString root = drive >= 0 ? Drive1->itemData(drive).toString() : QStringLiteral("/");
   {

@@ -1,6 +1,7 @@
 // The Load window: picks a data file from the file system and reads it into the record table.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QString>
 
@@ -48,6 +49,7 @@ class LoadWindow : public ToolWindow, public Ui::LoadWindow {
   QFileSystemModel* dirs_;
   QFileSystemModel* files_;
   QString dirPath_;
+  QElapsedTimer pathSet_;  // since the path was last set
   QString chosen_;
   int16_t select_ = -1;
   QPointer<FileDisplayWindow> display_;

@@ -31,7 +31,7 @@ std::string WaveFile(uint32_t n) {
 }
 
 // The directory tree scrolls to the current directory before the rows above it have loaded.
-constexpr bool kTreeScrollFault = true;
+constexpr bool kTreeScrollFault = false;
 
 class LoadTest : public GuiTest {
  public:

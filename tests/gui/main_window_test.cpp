@@ -116,6 +116,9 @@ TEST_F(GuiTest, ErrorWindowKeepsItsFirstMessageAndOpensBesideItsRaiser) {
   calc("sqr(-1)");
   QWidget* errors = window("ErrorWindow");
   EXPECT_EQ(errorText(), "0で割ることは不可です");
+  // English mode puts the English of the message on a second line.
+  auto* english = child<QLabel>(errors, "EnglishLabel");
+  EXPECT_TRUE(english->isVisible() && english->text() == "Division by zero is not allowed");
   EXPECT_FALSE(errors->isModal() || QApplication::activeModalWidget());
   EXPECT_FALSE(errors->frameGeometry().intersects(main().frameGeometry()));
   errors->close();

@@ -69,20 +69,24 @@ TEST_F(HistoryFile, KeepsTheNewestAndSkipsOverlongLines) {
   EXPECT_EQ(back.back(), "52");  // 51 fell off when x+1 came
 }
 
-TEST_F(HistoryFile, SaveRoundTripsAndRefusesLinks) {
+TEST_F(HistoryFile, SaveRoundTripsThroughLinksAndRefusesDirectories) {
   FormulaHistory h;
   for (const char* f : {"1+2", "sgm(k,1,10,k)", "1+2", "2^0.5"}) h.add(f);
   ASSERT_TRUE(h.save(dir_));
   EXPECT_EQ(read(), "1+2\r\nsgm(k,1,10,k)\r\n1+2\r\n2^0.5\r\n");
-  // A planted link to another file is not followed: that file keeps its contents.
+  // The user's own link is kept and the history lands in the file it names (links that the
+  // kernel would refuse to follow are the store's tests' business: the same SaveTarget).
+  std::filesystem::rename(file(), dir_ / "real.his");
+  std::filesystem::create_symlink(dir_ / "real.his", file());
+  h.add("3*3");
+  ASSERT_TRUE(h.save(dir_));
+  EXPECT_TRUE(std::filesystem::is_symlink(file()));
+  EXPECT_EQ(read(), "1+2\r\nsgm(k,1,10,k)\r\n1+2\r\n2^0.5\r\n3*3\r\n");
+  // A directory in the way is refused and left alone.
   std::filesystem::remove(file());
-  { std::ofstream(dir_ / "victim") << "keep"; }
-  std::filesystem::create_symlink(dir_ / "victim", file());
+  std::filesystem::create_directory(file());
   EXPECT_FALSE(h.save(dir_));
-  std::ifstream victim(dir_ / "victim");
-  std::string kept;
-  victim >> kept;
-  EXPECT_EQ(kept, "keep");
+  EXPECT_TRUE(std::filesystem::is_directory(file()));
 }
 
 TEST_F(HistoryFile, AFifoOrADirectoryIsAnErrorNotAHang) {

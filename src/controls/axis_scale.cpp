@@ -39,6 +39,7 @@ int TickBudget(double pixels, double pixelsPerTick) {
 AxisScale NiceScale(double lo, double hi, int maxTicks, double margin) {
   if (!std::isfinite(lo) || !std::isfinite(hi) || lo > hi) return {};
   maxTicks = std::max(maxTicks, 2);
+  const double dataSpan = hi - lo;
   if (!std::isfinite(hi - lo)) return {lo, hi, hi / 2 - lo / 2, 2};  // no room left to add
   if (lo == hi) {
     const double pad = lo == 0 ? 1 : std::fabs(lo) * 0.1;
@@ -58,12 +59,14 @@ AxisScale NiceScale(double lo, double hi, int maxTicks, double margin) {
     return {lo, hi, span, 2};
   }
   AxisScale s;
-  for (double step = NiceStep(span / (maxTicks - 1));; step = NiceStep(step * 1.5)) {
+  // The step comes from the data, the range from the data and its room: room that tips the
+  // range past a step costs one tick more, not a coarser step (0..1 gives 0..1.2, not 0..1.5).
+  for (double step = NiceStep((dataSpan > 0 ? dataSpan : span) / (maxTicks - 1));; step = NiceStep(step * 1.5)) {
     s.lo = std::floor(lo / step + 1e-9) * step;
     s.hi = std::ceil(hi / step - 1e-9) * step;
     s.step = step;
     s.ticks = static_cast<int>(std::lround((s.hi - s.lo) / step)) + 1;
-    if (s.ticks <= maxTicks) break;
+    if (s.ticks <= maxTicks + 1) break;
   }
   // Zero prints as 0, not as a tiny leftover of the division.
   if (std::fabs(s.lo) < s.step * 1e-9) s.lo = 0;

@@ -14,7 +14,8 @@ struct AxisScale {
   int ticks = 6;          // labelled ticks from lo to hi, both included
 };
 
-// The axis for data from `lo` to `hi` with at most `maxTicks` labelled ticks. `margin` is the
+// The axis for data from `lo` to `hi` with about `maxTicks` labelled ticks (one more where the
+// room around the data reaches past a step). `margin` is the
 // room added on each side as a share of the span; it does not carry a range that starts at zero
 // (a spectrum, a histogram) below zero. Empty or non-finite data give 0..1.
 AxisScale NiceScale(double lo, double hi, int maxTicks, double margin = 0.04);

@@ -47,7 +47,7 @@ struct Span {
 constexpr double kPixelsPerXTick = 90, kPixelsPerYTick = 42;
 
 void ScaleLinear(QValueAxis* axis, Span s, double pixels, double perTick) {
-  const AxisScale a = s.empty() ? NiceScale(0, 1, 6) : NiceScale(s.lo, s.hi, TickBudget(pixels, perTick));
+  const AxisScale a = s.empty() ? AxisScale{} : NiceScale(s.lo, s.hi, TickBudget(pixels, perTick));
   axis->setTickType(QValueAxis::TicksFixed);
   axis->setRange(a.lo, a.hi);
   axis->setTickCount(std::clamp(a.ticks, 2, 13));

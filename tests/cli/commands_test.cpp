@@ -234,6 +234,19 @@ INSTANTIATE_TEST_SUITE_P(Commands, ToolCli, ::testing::ValuesIn(std::vector<CliR
   {"test chi --record fit.orb --pop '0 0 3'", 0, ".6\n5.99\n適合すると言える\n", ""},
   {"test chi --pop '0 0 3'", 1, "", "error 47: 記録関数の形式が違います\n"}, {"test t --level 10", 2, "", "usage: ", true},
   {"test t --pop '1 2 3 4'", 2, "", "usage: ", true},
+  // The exact values after the table's; a note where they decide the other way (F(60, 200): the
+  // table's infinity column says 1.00, the distribution 1.386).
+  {"test t --pop '50 -1' --sample '53 4 10' --exact", 0,
+   "2.25\n2.262\n標本の平均値は、母集団と異なるとは言えない\np-value 0.0510033\nexact critical value 2.26216\n", ""},
+  {"test f --pop '0 1.0891340 61' --sample '0 1 201' --exact", 0,
+   "1.19998\n1.\n２標本の分散は異なる\np-value 0.177412\nexact critical value 1.38558\n",
+   "note: the exact critical value gives the other conclusion\n"},
+  {"--lang en test t --pop '50 6' --sample '53 4 10'", 1, "", "error 46: 入力ﾃﾞｰﾀがおかしい (The input data are wrong)\n"},
+  {"--lang ja test t --pop '50 6' --sample '53 4 10'", 1, "", "error 46: 入力ﾃﾞｰﾀがおかしい\n"},
+  {"--lang fr calc 1", 2, "", "usage: ", true},
+  {"simult '1 1 2' '1 1.0000002384185791015625 0'", 0, " X1 =  8388610\n X2 = -8388608\n",
+   "warning: ill-conditioned (condition number about 1.7E+07); the answer may have no correct digits\n"},
+  {"simult '2 1 3' '1 -1 0'", 0, " X1 =  1\n X2 =  1\n", ""},
 }));
 
 class CliFiles : public test::TempDirTest {};

@@ -90,6 +90,14 @@ TEST_F(GuiTest, SimultModesEntryMessagesAndResults) {
   click(w, "Command1");
   EXPECT_EQ(Lines(w->List1), (QStringList{" X1 =  1", " X2 =  1"}));
   // A message of several lines, an empty cell ending silently, an error pointing at its cell.
+  EXPECT_EQ(w->statusLine() ? w->statusLine()->text() : QString(), "");
+  // A matrix too ill-conditioned for single precision: the answer with a warning.
+  for (int i = 1; i <= 2; ++i) {
+    for (int j = 1; j <= 2; ++j) w->Grid1->setCellText(i, j, "1");
+  }
+  w->Grid1->setCellText(2, 2, "1.0000002384185791015625");  // 1 + 2^-22, exact in single precision
+  click(w, "Command5");
+  EXPECT_TRUE(w->statusLine()->text().startsWith("Ill-conditioned (condition number about ")) << w->statusLine()->text().toStdString();
   w->Grid1->setCellText(1, 1, "0");
   click(w, "Command1");
   const QStringList zeroPivot = {"対角要素が０になり", "計算できません", "係数の行または列を", "交換してください"};

@@ -301,9 +301,13 @@ TEST_F(StatTest, FreqAveRegresMultRegAndTestFillTheirBoxesAndTheChart) {
   click(t, "Command1");
   EXPECT_EQ(t->Text7->text() + " " + t->Text8->text() + " " + t->Label8->text(),
             "1.5 2.262 標本の平均値は、母集団と異なるとは言えない");
+  // Beside the table: the exact values; in English mode the conclusion's English.
+  EXPECT_EQ(t->ExactLabel->text(), "Exact: p-value 0.167851, critical value 2.26216 (two-sided)");
+  const QString english = "The sample mean cannot be said to differ from the population's";
+  EXPECT_EQ(t->Label8->toolTip() + "|" + t->statusLine()->text(), english + "|" + english);
   ClickBox(t->Option2);
   click(t, "Command1");
-  EXPECT_EQ(t->Text8->text(), "3.25");
+  EXPECT_EQ(t->Text8->text() + " " + t->ExactLabel->text(), "3.25 Exact: p-value 0.167851, critical value 3.24984 (two-sided)");
 }
 
 }  // namespace

@@ -113,13 +113,6 @@ bool InScrollArea(const QWidget* c, const QWidget* window) {
 using Step = std::function<void(GuiTest&, QWidget*)>;
 using Seen = std::function<bool(GuiTest&, QWidget*)>;
 
-// A check that fails today, left out of its row (for `controls` only, where it names some).
-enum Check { kCatalogue = 1, kTabRing = 2, kRoom = 4, kReopened = 8 };
-struct Fault {
-  int checks = 0;
-  std::string what;
-  QStringList controls = {};
-};
 
 struct WindowRow {
   const char* name;      // the window's object name, or MatrixWindow
@@ -153,8 +146,6 @@ Seen FirstCell(const char* text) {
   return [=](GuiTest&, QWidget* w) { return GuiTest::child<GridWidget>(w, "Grid1")->cellText(1, 1) == text; };
 }
 
-// The checks that fail today, left out of their rows (none now).
-const std::map<std::string, Fault> kFaults = {};
 
 const WindowRow kWindows[] = {
     {"MainWindow", "main/main_window.ui", "Text1", "Text1", Fill({{"Text1", "6*7"}}), Shows("Label1", "42")},
@@ -214,18 +205,12 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<std::tu
     form_ = ReadForm(row().form, &context_);
   }
   const WindowRow& row() const { return std::get<0>(GetParam()); }
-  Fault fault() const { return kFaults.contains(row().name) ? kFaults.at(row().name) : Fault{}; }
-  bool known(Check check) const { return fault().checks & check; }
-  bool known(Check check, const QString& control) const {
-    return known(check) && (fault().controls.isEmpty() || fault().controls.contains(control));
-  }
 
   // Every caption the form sets, as the catalogue gives it in the language.
   void expectCaptions(QWidget* w, bool japanese) {
     for (const FormCaption& c : form_) {
       QString expected = c.source;
       if (japanese && c.translated) {
-        if (known(kCatalogue, c.control)) continue;
         expected = catalogue_.translate(context_.toUtf8(), c.source.toUtf8(),
                                         c.disambiguation.isEmpty() ? nullptr : c.disambiguation.toUtf8().constData());
         EXPECT_FALSE(expected.isEmpty()) << c.source.toStdString() << " is not in the catalogue";
@@ -248,7 +233,6 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<std::tu
     QWidget* first = w->focusWidget();
     ASSERT_NE(first, nullptr) << "nothing has the focus";
     EXPECT_TRUE(!row().firstBox || NameOf(first) == row().firstBox) << "the cursor starts in " << NameOf(first);
-    if (known(kTabRing)) return;
     auto stop = [](QWidget* c) -> QObject* {
       auto* option = qobject_cast<QRadioButton*>(c);
       return option && option->autoExclusive() ? c->parent() : c;
@@ -292,9 +276,7 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<std::tu
       if (c->window() != w || !c->isVisibleTo(w) || InScrollArea(c, w)) continue;
       EXPECT_TRUE(c->parentWidget()->rect().contains(c->geometry()))
           << NameOf(c) << " lies outside " << NameOf(c->parentWidget()) << " at " << w->width() << "x" << w->height();
-      if (!known(kRoom, c->objectName())) {
-        EXPECT_TRUE(HasRoom(c)) << row().name << " at " << w->width() << "x" << w->height();
-      }
+      EXPECT_TRUE(HasRoom(c)) << row().name << " at " << w->width() << "x" << w->height();
     }
   }
 
@@ -352,8 +334,7 @@ TEST_P(EveryWindow, CaptionsTabReturnEscapeRoomAndLanguageSwitch) {
   QTest::keyClick(w->focusWidget() ? w->focusWidget() : w, Qt::Key_Escape);
   EXPECT_EQ(w->isVisible(), w == &main()) << "Escape";
   w = open(QString::fromLatin1(r.name));
-  if (!known(kReopened)) expectCaptions(w, !japanese);
-  if (fault().checks) GTEST_SKIP() << "known fault: " << fault().what;
+  expectCaptions(w, !japanese);
 }
 
 INSTANTIATE_TEST_SUITE_P(Windows, EveryWindow, ::testing::Combine(::testing::ValuesIn(kWindows), ::testing::Bool()),

@@ -45,10 +45,6 @@ TEST_F(HistoryFile, ReadsWhatItFinds) {
     EXPECT_EQ(h.load(dir_), "");
     EXPECT_EQ(recalled(h), c.newestFirst) << c.file;
   }
-  std::filesystem::remove(file());
-  FormulaHistory none;
-  EXPECT_EQ(none.load(dir_), "");
-  EXPECT_EQ(none.size(), 0u);
 }
 
 TEST_F(HistoryFile, KeepsTheNewestAndSkipsOverlongLines) {
@@ -90,6 +86,7 @@ TEST_F(HistoryFile, SaveRoundTripsThroughLinksAndRefusesDirectories) {
 }
 
 TEST_F(HistoryFile, AFifoOrADirectoryIsAnErrorNotAHang) {
+  EXPECT_EQ(FormulaHistory().load(dir_), "");  // no file is no error
   ASSERT_EQ(mkfifo(file().c_str(), 0600), 0);
   FormulaHistory h;
   EXPECT_NE(h.load(dir_), "");

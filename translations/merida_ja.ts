@@ -122,10 +122,6 @@
         <translation>初期値</translation>
     </message>
     <message>
-        <source>Step</source>
-        <translation>ステップ</translation>
-    </message>
-    <message>
         <source>Value</source>
         <translation>値</translation>
     </message>
@@ -967,10 +963,6 @@
     <message>
         <source>Coefficient</source>
         <translation>係数</translation>
-    </message>
-    <message>
-        <source>Power</source>
-        <translation>パワー</translation>
     </message>
     <message>
         <source>Autocorrelation</source>

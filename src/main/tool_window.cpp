@@ -269,7 +269,9 @@ void ToolWindow::showStatus(const QString& text) {
     // One line high even when empty, so the window does not jump as the text comes and goes.
     statusLine_->setMinimumHeight(statusLine_->fontMetrics().height() + 4);
     statusLine_->setMinimumWidth(0);
-    statusLine_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    // As wide as the place it is put in: a long text wraps rather than widening the window.
+    statusLine_->setWordWrap(true);
+    statusLine_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     // Under the chart where there is one, as wide as it; else under everything.
     ChartWidget* chart = findChild<ChartWidget*>();
     QBoxLayout* holder = chart ? BoxHolding(layout(), chart) : nullptr;
@@ -282,6 +284,15 @@ void ToolWindow::showStatus(const QString& text) {
       column->addWidget(chart, 1);
       column->addWidget(statusLine_);
       holder->insertLayout(at, column, stretch);
+    } else if (auto* row = qobject_cast<QBoxLayout*>(layout()); row && row->direction() == QBoxLayout::LeftToRight) {
+      // Boxes on the left, buttons on the right: the text goes under the boxes, where it is wide.
+      QLayout* first = nullptr;
+      for (int i = 0; i < row->count() && !first; ++i) first = row->itemAt(i)->layout();
+      if (auto* column = qobject_cast<QVBoxLayout*>(first)) {
+        column->addWidget(statusLine_);
+      } else {
+        PlaceBelowContent(layout(), statusLine_);
+      }
     } else {
       PlaceBelowContent(layout(), statusLine_);
     }

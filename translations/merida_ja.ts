@@ -870,6 +870,10 @@
         <source>Graph</source>
         <translation>ｸﾞﾗﾌ</translation>
     </message>
+    <message>
+        <source>Not loaded%1: no data are in the record table.</source>
+        <translation>読み込めませんでした%1。記録関数にデータはありません。</translation>
+    </message>
 </context>
 <context>
     <name>merida::WaveWindow</name>

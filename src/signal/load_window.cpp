@@ -182,6 +182,16 @@ void LoadWindow::showLoad(const LoadResult& r) {
   if (b.text2) Text2->setText(QString::fromStdString(*b.text2));
   if (b.text3) Text3->setText(QString::fromStdString(*b.text3));
   if (b.text4) Text4->setText(QString::fromStdString(*b.text4));
+  if (r.loaded) {
+    showStatus(QString());
+    return;
+  }
+  // A refused file leaves no data loaded: numbers of an earlier load would say otherwise.
+  if (!b.text2) Text2->clear();
+  if (!b.text3) Text3->clear();
+  if (!b.text4) Text4->clear();
+  const QString why = r.reason.empty() ? QString() : QStringLiteral(" (%1)").arg(QString::fromStdString(r.reason));
+  showStatus(tr("Not loaded%1: no data are in the record table.").arg(why));
 }
 
 FileDisplayWindow* LoadWindow::fileDisplayWindow() const { return display_; }

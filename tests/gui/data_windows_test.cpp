@@ -97,6 +97,8 @@ TEST_F(LoadTest, LoadShowsTheFileInItsBoxesAndTheTableAndRefusesBadFiles) {
     EXPECT_EQ(std::pair(t.kind, t.values[1][0]), std::pair(int16_t{NoData}, 7.0f)) << name;
     EXPECT_EQ(errorText().toStdString(), error) << name;
     EXPECT_EQ(seen.value(1).toStdString(), box) << name;
+    // No number of an earlier load stays to suggest that data are loaded.
+    EXPECT_TRUE(w->statusLine()->text().startsWith("Not loaded") && w->Text4->text().isEmpty()) << name;
     if (*error) acknowledgeError();
   }
   // Close during a load stops it: what the load read is never applied.

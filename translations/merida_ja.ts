@@ -1358,5 +1358,9 @@
         <source>%1 s</source>
         <translation>%1 秒</translation>
     </message>
+    <message>
+        <source>Nothing done: %1</source>
+        <translation>実行しませんでした: %1</translation>
+    </message>
 </context>
 </TS>

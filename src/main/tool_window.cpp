@@ -227,6 +227,15 @@ void ToolWindow::finishJob(int generation) {
   ApplyChanges(state_, run->before, run->state);
   engine_.TakeRandomStateFrom(run->engine);
   if (apply) apply(*run);
+  // A run its rules end without a message still says why, in the status line.
+  const std::string& why = run->engine.silentReason();
+  if (!why.empty()) {
+    showStatus(tr("Nothing done: %1").arg(QString::fromStdString(why)));
+    silentShown_ = true;
+  } else if (silentShown_) {
+    showStatus(QString());
+    silentShown_ = false;
+  }
   // The next writer in line starts from the table this one left.
   leaveTurn();
 }

@@ -81,6 +81,13 @@ TEST_F(GuiTest, DiffModesChecksSimultPlaneDataAndClose) {
   ASSERT_EQ(w->Graph1->points(1).size(), 12);
   EXPECT_NEAR(w->Graph1->points(1)[10].y(), std::exp(1.0), 3e-6)
       << "Runge-Kutta's accuracy: the tick reached the solver";
+  // A width of 0 ends without a message box; the status line says why, until a run does something.
+  fill(w, {{"Text2", "0"}});
+  click(w, "Command1");
+  EXPECT_TRUE(w->statusLine()->text().startsWith("Nothing done: the width must step")) << w->statusLine()->text().toStdString();
+  fill(w, {{"Text2", "0.1"}});
+  click(w, "Command1");
+  EXPECT_EQ(w->statusLine()->text(), "");
   click(w, "Command5");  // Data
   ASSERT_NE(window("StatDataWindow"), nullptr);
   EXPECT_EQ(child<QTableWidget>(window("StatDataWindow"), "Grid1")->rowCount(), 13);
@@ -90,6 +97,7 @@ TEST_F(GuiTest, DiffModesChecksSimultPlaneDataAndClose) {
   fill(w, {{"formula", "z"}, {"Text5", "2"}, {"Text3", "0"}, {"Text6", "1"}, {"Text7", "0-y"}, {"Text8", "z"}});
   click(w, "Command4");
   EXPECT_TRUE(w->Check1->isChecked() && w->Graph1->dataSets() == 2) << "Simult ticks RungeKutta";
+  EXPECT_EQ(w->Graph1->drawnSeries(2).front()->name() + w->Graph1->drawnSeries(1).front()->name(), "zy") << "the legend";
   ASSERT_EQ(Drawn(w->Graph1, 2).size(), 22);
   EXPECT_NEAR(Drawn(w->Graph1, 2)[20].y(), std::cos(2.0), 5e-6);
   EXPECT_EQ(w->Graph1->drawnSeries(2).front()->pen().style(), Qt::DashLine);

@@ -69,7 +69,7 @@ SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
       // The theme's labels are sized for a full-screen scene: at the window's size they would be
       // a few pixels high.
       QFont labels = graph_->activeTheme()->font();
-      labels.setPointSizeF(labels.pointSizeF() * 2.2);
+      labels.setPointSizeF(labels.pointSizeF() * 3);
       graph_->activeTheme()->setFont(labels);
       for (QValue3DAxis* axis : {graph_->axisX(), graph_->axisY(), graph_->axisZ()}) axis->setLabelFormat("%.4g");
       graph_->axisY()->setSegmentCount(4);

@@ -306,6 +306,7 @@ void ToolWindow::showStatus(const QString& text) {
       PlaceBelowContent(layout(), statusLine_);
     }
   }
+  statusMessage_ = text;
   statusLine_->setText(text);
   statusLine_->setToolTip(text);
 }
@@ -337,8 +338,10 @@ void ToolWindow::showEvent(QShowEvent* event) {
   for (ChartWidget* chart : findChildren<ChartWidget*>()) {
     if (chart->window() != this || chart->property("readoutWired").toBool()) continue;
     chart->setProperty("readoutWired", true);
-    showStatus(QString());
-    connect(chart, &ChartWidget::readout, this, &ToolWindow::showStatus);
+    showStatus(statusMessage_);
+    // The readout stands in for the window's message while the cursor is over the chart.
+    connect(chart, &ChartWidget::readout, this,
+            [this](const QString& text) { statusLine_->setText(text.isEmpty() ? statusMessage_ : text); });
   }
   std::vector<QWidget*> order;
   CollectInLayoutOrder(layout(), order);

@@ -112,6 +112,7 @@ class ToolWindow : public QWidget {
   QString goCaption_;
   QProgressBar* progressBar_ = nullptr;
   QLabel* statusLine_ = nullptr;
+  QString statusMessage_;     // what the window last said, under any chart readout
   bool silentShown_ = false;  // the status line says why the last run did nothing
   int16_t shownIn_ = 0;  // the display language the captions were last set in
   QTimer* progressTimer_ = nullptr;

@@ -4,7 +4,9 @@
 #include <QElapsedTimer>
 #include <QImage>
 #include <QLogValueAxis>
+#include <QToolButton>
 #include <QValueAxis>
+#include <QWheelEvent>
 
 #include "contour/contour_plot.h"
 #include "contour/contour_window.h"
@@ -120,6 +122,32 @@ TEST_F(GuiTest, ChartSavesPngSvgAndCsv) {
   EXPECT_EQ(readFile("points.csv"), chart.csvText().toStdString());
   EXPECT_TRUE(QImage("chart.png").size() == QSize(400, 300) && readFile("chart.svg").ends_with("</svg>\n"));
   EXPECT_FALSE(chart.savePng("missing/dir/chart.png") || chart.saveCsv("missing/dir/points.csv"));
+}
+
+// Round ranges with room around the curve; the readout of the point under the cursor; wheel
+// zoom and double-click back; the Export button in sight.
+TEST_F(GuiTest, ChartRangesReadoutZoomAndExport) {
+  ChartWidget chart;
+  chart.resize(600, 400);
+  chart.setSetNames("y");
+  chart.setPoints(1, {QPointF(0, 0), QPointF(5502, 1), QPointF(2000, 0.5)});
+  chart.show();
+  chart.draw();
+  QCoreApplication::processEvents();
+  auto* x = chart.horizontalAxis();
+  auto* y = qobject_cast<QValueAxis*>(chart.verticalAxis());
+  EXPECT_EQ(std::tuple(x->min(), x->max(), y->min(), y->max() > 1), std::tuple(0.0, 6000.0, 0.0, true));
+  QStringList said;
+  QObject::connect(&chart, &ChartWidget::readout, [&](const QString& t) { said << t; });
+  const QPoint at = chart.chart()->mapToPosition(QPointF(2000, 0.5), chart.drawnSeries().front()).toPoint();
+  QTest::mouseMove(chart.viewport(), at + QPoint(3, 2));
+  EXPECT_EQ(said.value(said.size() - 1), "x = 2000   y = 0.5   (y)");
+  QWheelEvent wheel(at, chart.mapToGlobal(at), {}, {0, 240}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QCoreApplication::sendEvent(chart.viewport(), &wheel);
+  EXPECT_TRUE(chart.zoomed() && x->max() - x->min() < 5000);
+  QTest::mouseDClick(chart.viewport(), Qt::LeftButton, {}, at);
+  EXPECT_EQ(std::tuple(chart.zoomed(), x->min(), x->max()), std::tuple(false, 0.0, 6000.0));
+  EXPECT_TRUE(chart.exportButton()->isVisible() && chart.rect().contains(chart.exportButton()->geometry()));
 }
 
 // The Print check draws black on white; the saved image is the map as shown, at its size. The

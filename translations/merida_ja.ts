@@ -1114,6 +1114,10 @@
         <source>Second function</source>
         <translation>第２関数</translation>
     </message>
+    <message>
+        <source>The sign change near x = %1 never came within the judge value; it is not listed as a root.</source>
+        <translation>x = %1 付近の符号の変化は判定値に届きませんでした。根としては表示しません。</translation>
+    </message>
 </context>
 <context>
     <name>merida::StatWindow</name>

@@ -109,6 +109,12 @@ void IntersectionWindow::showSearch(const RootResult& r) {
   if (r.end != RootEnd::kListed) return;
   rootX_ = r.rootX;
   setLines(r.lines);
+  if (r.unresolved.empty()) {
+    showStatus(QString());
+  } else {
+    showStatus(tr("The sign change near x = %1 never came within the judge value; it is not listed as a root.")
+                   .arg(QString::fromStdString(PlainText(r.unresolved.front()))));
+  }
   if (graphOn_ > 0) {
     Graph1->setPoints(1, r.curve1);
     Graph1->setPoints(2, r.curve2);

@@ -93,8 +93,8 @@ class Scan {
  public:
   using Value = std::function<PointStatus(double x, double& y)>;
 
-  Scan(const Range& g, Value sample, Value bisect, std::function<bool(double)> found)
-      : g_(g), sample_(std::move(sample)), bisect_(std::move(bisect)), found_(std::move(found)) {}
+  Scan(const Range& g, Value sample, Value bisect, std::function<bool(double)> found, std::vector<double>& unresolved)
+      : g_(g), sample_(std::move(sample)), bisect_(std::move(bisect)), found_(std::move(found)), unresolved_(unresolved) {}
 
   // One sample: a root at the sample, else a bisection of a sign change.
   Step at(double x) {
@@ -122,12 +122,16 @@ class Scan {
  private:
   // Halves [a, b] until a midpoint is within the judge value. When the interval can no longer
   // be halved (a pole such as 1/x at 0, or a judge value finer than the doubles there), the
-  // sign change is not a root by the judge value's measure, and nothing is listed for it.
+  // sign change is not a root by the judge value's measure: nothing is listed for it, and where
+  // the halving stopped is kept so that the window can say so.
   Step bisection(double a, double b) {
     const int s = sign_;
     for (;;) {
       double m = (a + b) / 2;
-      if (m == a || m == b) return Step::kOk;
+      if (m == a || m == b) {
+        unresolved_.push_back(m);
+        return Step::kOk;
+      }
       double y = 0;
       if (Step st = StepOf(bisect_(m, y)); st != Step::kOk) return st;
       if (std::fabs(y) <= g_.judge) return found_(m) ? Step::kOk : Step::kFull;
@@ -144,6 +148,7 @@ class Scan {
   const Range& g_;
   Value sample_, bisect_;
   std::function<bool(double)> found_;
+  std::vector<double>& unresolved_;
   int sign_ = 0;
   double previous_ = 0;
 };
@@ -173,7 +178,7 @@ void RunScan(Engine& engine, const Range& g, RootResult& r, Scan::Value sample, 
       r.end = RootEnd::kError;
     }
   };
-  Scan scan(g, sample, bisect, found);
+  Scan scan(g, sample, bisect, found, r.unresolved);
 
   double y0 = 0;
   if (Step s = StepOf(sample(g.start, y0)); s != Step::kOk) return failed(s);
@@ -304,7 +309,7 @@ RootResult SearchIntersections(Engine& engine, AppState& state, std::string_view
   RunScan(engine, *g, r, sample, bisect, line, onRoot);
   if (rootStatus == PointStatus::kFault && r.end == RootEnd::kListed) {
     EndRunOnFault(engine);
-    r = RootResult{RootEnd::kFault, {}, {}, {}, {}, {}, r.numBox, r.judge};
+    r = RootResult{RootEnd::kFault, {}, {}, {}, {}, {}, r.numBox, r.judge, {}};
   }
   return r;
 }

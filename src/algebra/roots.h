@@ -36,6 +36,9 @@ struct RootResult {
   std::vector<ChartPoint> curve1, curve2;  // the samples, when the Graph box is ticked
   std::optional<std::string> numBox;       // new text of Text3 when the count was capped
   std::optional<double> judge;             // the judge value read, which Seek goes on to use
+  // Sign changes whose |f| never came within the judge value (a pole such as 1/x at 0): where
+  // the halving stopped. They are not roots and are not listed; the window says so.
+  std::vector<double> unresolved;
 };
 
 constexpr int kMaxRoots = 50;

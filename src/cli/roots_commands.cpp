@@ -4,6 +4,7 @@
 #include "algebra/roots.h"
 #include "cli/cli.h"
 #include "cli/options.h"
+#include "engine/number_text.h"
 
 namespace merida::cli {
 namespace {
@@ -16,6 +17,13 @@ int Report(Context& ctx, const RootResult& r) {
   if (r.numBox) ReportBox("Text3", *r.numBox);
   if (r.end == RootEnd::kFault && !ctx.host.sawFault) ctx.host.showFault("Overflow");
   for (const std::string& line : r.lines) std::cout << line << '\n';
+  if (r.end == RootEnd::kListed) {
+    std::cout.flush();
+    for (double x : r.unresolved) {
+      std::cerr << "note: the sign change near x=" << PlainText(x)
+                << " never came within the judge value; it is not listed as a root\n";
+    }
+  }
   // A list cut short by an error still shows what was found; the error's exit status stands.
   return Finish(ctx, r.end == RootEnd::kListed);
 }

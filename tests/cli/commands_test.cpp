@@ -247,6 +247,8 @@ INSTANTIATE_TEST_SUITE_P(Commands, ToolCli, ::testing::ValuesIn(std::vector<CliR
   {"simult '1 1 2' '1 1.0000002384185791015625 0'", 0, " X1 =  8388610\n X2 = -8388608\n",
    "warning: ill-conditioned (condition number about 1.7E+07); the answer may have no correct digits\n"},
   {"simult '2 1 3' '1 -1 0'", 0, " X1 =  1\n X2 =  1\n", ""},
+  {"roots --min -1 --max 1.7 --num 3 --judge 0 'x^3-0.001'", 0, "",
+   "note: the sign change near x=0.1 never came within the judge value; it is not listed as a root\n"},
 }));
 
 class CliFiles : public test::TempDirTest {};

@@ -818,6 +818,10 @@
         <source>Close</source>
         <translation>中止</translation>
     </message>
+    <message>
+        <source>&quot;%1&quot; is not a number: the angles in force are unchanged.</source>
+        <translation>「%1」は数値ではありません。角度は変わりません。</translation>
+    </message>
 </context>
 <context>
     <name>merida::FileDisplayWindow</name>

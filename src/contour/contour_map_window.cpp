@@ -66,10 +66,18 @@ void AxisAngleWindow::load() {
 
 void AxisAngleWindow::decide() {
   std::optional<ViewAngles> v = DecideAngles(Text1->text().toStdString(), Text2->text().toStdString());
-  if (v) {
-    state_.ViewAngleX = v->x;
-    state_.ViewAngleY = v->y;
+  if (!v) {
+    // Both angles are decided together: the boxes stay as typed, the one at fault is selected,
+    // and the angles in force are unchanged.
+    QLineEdit* bad = ReadNumber(Text1->text().toStdString()) ? Text2 : Text1;
+    bad->setFocus();
+    bad->selectAll();
+    showStatus(tr("\"%1\" is not a number: the angles in force are unchanged.").arg(bad->text()));
+    return;
   }
+  state_.ViewAngleX = v->x;
+  state_.ViewAngleY = v->y;
+  showStatus(QString());
   load();
 }
 

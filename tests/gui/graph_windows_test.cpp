@@ -183,11 +183,14 @@ TEST_F(GuiTest, ContourMapSavedImageAxisAngleAndStop) {
 
   auto* angle = open<AxisAngleWindow>();  // on x*y
   EXPECT_EQ(angle->Text1->text() + "," + angle->Text2->text(), "20,30");
-  for (auto [a, b, shown] : {std::tuple{"-10", "200", "0,180"}, {"45", "60.5", "45,60.5"}, {"x", "10", "45,60.5"}}) {
+  // A box that is no number keeps what was typed beside it, is selected, and changes nothing.
+  for (auto [a, b, shown] : {std::tuple{"-10", "200", "0,180"}, {"45", "60.5", "45,60.5"}, {"x", "10", "x,10"}}) {
     fill(angle, {{"Text1", a}, {"Text2", b}});
     click(angle, "Command1");
     EXPECT_EQ(angle->Text1->text() + "," + angle->Text2->text(), shown) << a;
   }
+  EXPECT_TRUE(angle->Text1->hasSelectedText() && state().ViewAngleX == 45 &&
+              angle->statusLine()->text() == "\"x\" is not a number: the angles in force are unchanged.");
   fill(angle, {{"Text1", "5"}, {"Text2", "6"}});
   click(angle, "Command2");
   click(map, "Command2");

@@ -267,9 +267,14 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<std::tu
     EXPECT_LE(backwards, 1) << "Tab jumps back up:" << order;
   }
 
-  // At the window's smallest size every caption has its room and every control lies inside
-  // the control that holds it.
+  // Enlarged, a chart takes most of the new room. At the window's smallest size every caption
+  // has its room and every control lies inside the control that holds it.
   void expectRoomAtMinimumSize(QWidget* w) {
+    w->resize(w->maximumSize().boundedTo(QSize(1600, 1000)));
+    QCoreApplication::processEvents();
+    for (const ChartWidget* chart : w->findChildren<ChartWidget*>()) {
+      EXPECT_TRUE(w->width() < 1600 || chart->width() > 1000) << row().name << " keeps its chart small";
+    }
     w->resize(w->minimumSizeHint().expandedTo(w->minimumSize()));
     QCoreApplication::processEvents();
     for (QWidget* c : w->findChildren<QWidget*>()) {

@@ -4,9 +4,7 @@
 #include <cmath>
 
 namespace merida {
-namespace {
 
-// 1, 2 or 5 times a power of ten, at least `raw`.
 double NiceStep(double raw) {
   const double decade = std::pow(10.0, std::floor(std::log10(raw)));
   for (double m : {1.0, 2.0, 5.0}) {
@@ -14,6 +12,8 @@ double NiceStep(double raw) {
   }
   return 10 * decade;
 }
+
+namespace {
 
 double Linear(std::uint8_t c) {
   const double s = c / 255.0;

@@ -20,6 +20,9 @@ struct AxisScale {
 // (a spectrum, a histogram) below zero. Empty or non-finite data give 0..1.
 AxisScale NiceScale(double lo, double hi, int maxTicks, double margin = 0.04);
 
+// 1, 2 or 5 times a power of ten, at least `raw` (> 0).
+double NiceStep(double raw);
+
 // Labelled ticks that fit along `pixels` with at least `pixelsPerTick` between them: 2 to 12.
 int TickBudget(double pixels, double pixelsPerTick);
 

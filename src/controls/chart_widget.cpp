@@ -66,15 +66,6 @@ void ScaleView(QValueAxis* axis, double lo, double hi, double pixels, double per
 
 QColor ToQColor(Rgb c) { return QColor(c.r, c.g, c.b); }
 
-// 1, 2 or 5 times a power of ten, at least `raw`.
-double NiceStep(double raw) {
-  double decade = std::pow(10.0, std::floor(std::log10(raw)));
-  for (double m : {1.0, 2.0, 5.0}) {
-    if (m * decade >= raw) return m * decade;
-  }
-  return 10 * decade;
-}
-
 QColor Mix(const QColor& a, const QColor& b, double t) {
   return QColor::fromRgbF(static_cast<float>(a.redF() + (b.redF() - a.redF()) * t),
                           static_cast<float>(a.greenF() + (b.greenF() - a.greenF()) * t),
@@ -472,11 +463,16 @@ void ChartWidget::draw() {
   if (legend) c->legend()->setAlignment(Qt::AlignTop);
 }
 
+QRectF ChartWidget::shownRange() const {
+  const bool log = yLog_->isVisible();
+  return QRectF(QPointF(xAxis_->min(), log ? yLog_->min() : yLinear_->min()),
+                QPointF(xAxis_->max(), log ? yLog_->max() : yLinear_->max()));
+}
+
 void ChartWidget::zoomBy(double factor, QPointF centre) {
   if (!hasData_ || !(factor > 0)) return;
   const bool log = yLog_->isVisible();
-  QRectF v(QPointF(xAxis_->min(), log ? yLog_->min() : yLinear_->min()),
-           QPointF(xAxis_->max(), log ? yLog_->max() : yLinear_->max()));
+  const QRectF v = shownRange();
   const double l = centre.x() - (centre.x() - v.left()) * factor, r = centre.x() + (v.right() - centre.x()) * factor;
   double t = v.top(), b = v.bottom();
   if (!log) {
@@ -520,8 +516,7 @@ void ChartWidget::mouseMoveEvent(QMouseEvent* event) {
     const QPoint now = event->position().toPoint();
     const QPointF from = chart()->mapToValue(*dragFrom_), to = chart()->mapToValue(now);
     const bool log = yLog_->isVisible();
-    QRectF v(QPointF(xAxis_->min(), log ? yLog_->min() : yLinear_->min()),
-             QPointF(xAxis_->max(), log ? yLog_->max() : yLinear_->max()));
+    QRectF v = shownRange();
     v.translate(from.x() - to.x(), log ? 0 : from.y() - to.y());
     view_ = v;
     dragFrom_ = now;

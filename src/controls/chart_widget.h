@@ -125,6 +125,8 @@ class ChartWidget : public QChartView {
   // Sets both axes from the data (or the zoomed view) for the chart's present size.
   void applyRanges();
   void showReadout(QPointF pos);
+  // The range the axes show now, in values (top is the lower value).
+  QRectF shownRange() const;
   void placeExportButton();
   // Widens one axis's range so that a unit spans as many pixels across as up.
   void fitEqualScale();

@@ -147,7 +147,7 @@ std::vector<Segment> TraceLevel(const ContourGrid& g, double k, Engine* engine) 
       edge({x0, y1}, z10, {x1, y1}, z11);  // top
       edge({x0, y0}, z00, {x0, y1}, z10);  // left
       edge({x1, y0}, z01, {x1, y1}, z11);  // right
-      auto seg = [&out](Point a, Point b) { out.push_back({a.x, a.y, b.x, b.y}); };
+      auto seg = [&out, k](Point a, Point b) { out.push_back({a.x, a.y, b.x, b.y, k}); };
       auto dist2 = [](Point a, Point b) { return (a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y); };
       if (count == 2) {
         seg(p[0], p[1]);

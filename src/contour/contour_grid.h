@@ -48,6 +48,7 @@ GridResult EvaluateGrid(Engine& engine, std::string_view formula, const GridBoxe
 
 struct Segment {
   double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+  double level = 0;  // the height the segment traces
 };
 
 // The level curve z = level, cell by cell: crossings interpolated on the cell edges, two joined,

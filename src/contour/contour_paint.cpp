@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QSvgGenerator>
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace merida {
@@ -15,9 +16,19 @@ namespace {
 
 QColor ToQColor(Rgb c) { return QColor(c.r, c.g, c.b); }
 
+double Area(const std::vector<QPointF>& p) {
+  double twice = 0;
+  for (std::size_t k = 0; k < p.size(); ++k) {
+    const QPointF& a = p[k];
+    const QPointF& b = p[(k + 1) % p.size()];
+    twice += a.x() * b.y() - b.x() * a.y();
+  }
+  return twice / 2;
+}
+
 }  // namespace
 
-void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, const MapStyle& style) {
+int PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, const MapStyle& style) {
   painter.save();
   painter.fillRect(target, style.paper);
   painter.setRenderHint(QPainter::Antialiasing);
@@ -45,6 +56,8 @@ void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, co
   };
 
   std::vector<QPointF> points;
+  std::vector<QRectF> written;  // the texts so far: a text that would cover one is left out
+  int leftOut = 0;
   for (const MapItem& item : scene.items) {
     const MapPoint* p = scene.pointsOf(item);
     points.clear();
@@ -62,12 +75,10 @@ void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, co
       case MapItem::kPolygon:
         painter.setBrush(color);
         // Cells without an outline are edged in their own colour so that no seam shows. On a
-        // dense grid black outlines would hide the fill: below a few pixels a cell is edged in
-        // a darker shade of its own colour instead.
-        if (item.outline) {
-          const QRectF box = QPolygonF(QList<QPointF>(points.begin(), points.end())).boundingRect();
-          const bool small = std::max(box.width(), box.height()) < 8 * pixel;
-          painter.setPen(small ? QPen(color.darker(140), pixel * 0.6) : black);
+        // dense grid black outlines would hide the fill: a cell of less than 8 x 8 pixels' area
+        // is edged in its own colour, like the unoutlined ones.
+        if (item.outline && std::abs(Area(points)) >= 64 * pixel * pixel) {
+          painter.setPen(black);
         } else {
           painter.setPen(QPen(color, pixel));
         }
@@ -77,13 +88,22 @@ void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, co
         const QString text = QString::fromStdString(item.text);
         const QSizeF size(metrics.horizontalAdvance(text), metrics.height());
         QPointF corner = points[0] - QPointF(size.width() * (item.alignX + 1) / 2, size.height() * (item.alignY + 1) / 2);
+        const QRectF box(corner, size);
+        const QRectF room = box.adjusted(-pixel, 0, pixel, 0);
+        if (std::any_of(written.begin(), written.end(), [&](const QRectF& r) { return r.intersects(room); })) {
+          ++leftOut;
+          break;
+        }
+        written.push_back(room);
+        if (item.boxed) painter.fillRect(room, style.paper);
         painter.setPen(color);
-        painter.drawText(QRectF(corner, size), Qt::AlignCenter, text);
+        painter.drawText(box, Qt::AlignCenter, text);
         break;
       }
     }
   }
   painter.restore();
+  return leftOut;
 }
 
 QImage RenderMap(const MapScene& scene, QSize size, const MapStyle& style, double devicePixelRatio) {

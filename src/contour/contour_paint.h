@@ -19,8 +19,9 @@ struct MapStyle {
   bool print = false;        // lines twice as heavy, as paper needs
 };
 
-// Paints the scene stretched over `target`; pen widths follow the device's resolution.
-void PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, const MapStyle& style);
+// Paints the scene stretched over `target`; pen widths follow the device's resolution. A text
+// that would cover one already written is left out; returns how many were.
+int PaintMap(QPainter& painter, const MapScene& scene, const QRectF& target, const MapStyle& style);
 
 // The drawing as an image of `size` logical pixels at `devicePixelRatio`.
 QImage RenderMap(const MapScene& scene, QSize size, const MapStyle& style, double devicePixelRatio = 1);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "engine/formula_sampler.h"
 #include "engine/number_text.h"
@@ -38,10 +39,11 @@ class SceneWriter {
     s_.points.push_back(p);
     ++s_.items.back().count;
   }
-  void text(MapPoint at, std::string text, int8_t alignX, int8_t alignY) {
+  void text(MapPoint at, std::string text, int8_t alignX, int8_t alignY, bool boxed = false) {
     MapItem item;
     item.kind = MapItem::kText;
     item.ink = true;
+    item.boxed = boxed;
     item.first = static_cast<uint32_t>(s_.points.size());
     item.count = 1;
     item.text = std::move(text);
@@ -97,6 +99,54 @@ void PlanAxes(const ContourGrid& g, SceneWriter& w) {
   w.text({-0.14, 0.5}, "y", 1, 0);
 }
 
+// The colour key of the filled drawings: a vertical bar from zmin at `bottom` to zmax at `top`,
+// one strip per height byte (strips of one colour merged), ticked on its right.
+void ColourBar(const ContourGrid& g, const ColorScheme& colors, double left, double top, double bottom,
+               SceneWriter& w) {
+  constexpr double kWidth = 0.06;
+  if (!(g.zMax > g.zMin)) return;  // a flat grid has one colour and nothing to key
+  const double right = left + kWidth;
+  auto yOf = [&](double byte) { return bottom - (bottom - top) * std::clamp(byte, 0.0, 255.0) / 255; };
+  int from = 0;
+  for (int L = 1; L <= 256; ++L) {
+    const Rgb color = SchemeColor(static_cast<uint8_t>(from), colors);
+    if (L < 256 && SchemeColor(static_cast<uint8_t>(L), colors) == color) continue;
+    // Byte L covers the heights that round to it: L - 1/2 to L + 1/2.
+    const double y0 = yOf(from - 0.5), y1 = yOf(L - 0.5);
+    w.polygon({{left, y0}, {right, y0}, {right, y1}, {left, y1}}, color, false);
+    from = L;
+  }
+  w.polyline({{left, bottom}, {right, bottom}, {right, top}, {left, top}, {left, bottom}}, true);
+  for (double z : Ticks(g.zMin, g.zMax)) {
+    const double y = bottom - (bottom - top) * (z - g.zMin) / (g.zMax - g.zMin);
+    w.line({right, y}, {right + kTick, y}, kBlack, true);
+    w.text({right + 1.5 * kTick, y}, Label(z), -1, 0);
+  }
+}
+
+// Each level named where its line runs clear of the frame and of other names: first one name a
+// level, then a second where there is room, on segment midpoints far enough apart to read.
+void LevelLabels(const ContourGrid& g, const std::vector<Segment>& segments, SceneWriter& w) {
+  constexpr double kApart = 0.3, kInside = 0.08;
+  std::vector<MapPoint> placed;
+  std::map<double, int> named;
+  for (int perLevel : {1, 2}) {
+    for (const Segment& s : segments) {
+      if (named[s.level] == perLevel) continue;
+      const MapPoint a = Plan(g, s.x1, s.y1), b = Plan(g, s.x2, s.y2);
+      const MapPoint mid{(a.x + b.x) / 2, (a.y + b.y) / 2};
+      if (mid.x < kInside || mid.x > 1 - kInside || mid.y < kInside || mid.y > 1 - kInside) continue;
+      const bool crowded = std::any_of(placed.begin(), placed.end(), [&](const MapPoint& p) {
+        return std::hypot(p.x - mid.x, p.y - mid.y) < kApart;
+      });
+      if (crowded) continue;
+      placed.push_back(mid);
+      ++named[s.level];
+      w.text(mid, Label(s.level), 0, 0, true);
+    }
+  }
+}
+
 bool DrawPlot(const ContourGrid& g, const DrawRequest& r, Engine* engine, MapScene& scene) {
   SceneWriter w(scene);
   if (r.colorMode) {
@@ -110,9 +160,11 @@ bool DrawPlot(const ContourGrid& g, const DrawRequest& r, Engine* engine, MapSce
     }
   }
   PlanAxes(g, w);
+  if (r.colorMode) ColourBar(g, r.colors, 1.08, 0, 1, w);
   std::vector<Segment> segments;
   const bool finished = ContourLines(g, r.levels, engine, segments);
   for (const Segment& s : segments) w.line(Plan(g, s.x1, s.y1), Plan(g, s.x2, s.y2), kContourBlue);
+  if (finished) LevelLabels(g, segments, w);
   return finished;
 }
 
@@ -120,22 +172,33 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
   const MapPoint origin = p.at(0, 0, g.zMin);
   w.line(origin, p.at(0, g.nx, g.zMin), kBlack, true);
   w.line(origin, p.at(g.ny, 0, g.zMin), kBlack, true);
-  w.line(origin, p.at(0, 0, g.zMax), kBlack, true);
+  // The z axis rises from the base's leftmost corner, its labels outside the surface; from the
+  // nearest corner they would be written over it.
+  int zi = 0, zj = 0;
+  for (int i : {0, g.ny}) {
+    for (int j : {0, g.nx}) {
+      if (p.at(i, j, g.zMin).x < p.at(zi, zj, g.zMin).x - 1e-9) zi = i, zj = j;
+    }
+  }
+  const MapPoint zFoot = p.at(zi, zj, g.zMin), zTop = p.at(zi, zj, g.zMax);
+  w.line(zFoot, zTop, kBlack, true);
   for (double x : Ticks(g.xMin, g.xMax)) {
     const MapPoint at = p.at(0, (x - g.xMin) / g.dx, g.zMin);
     w.line(at, {at.x, at.y + kTick}, kBlack, true);
     w.text({at.x, at.y + 1.5 * kTick}, Label(x), 0, -1);
   }
+  // Before y's: where the z axis stands on the y axis' end, a label written over another is left
+  // out, and the height is the one to keep.
+  for (double z : Ticks(g.zMin, g.zMax)) {
+    const MapPoint at = p.at(zi, zj, z);
+    w.line(at, {at.x - kTick, at.y}, kBlack, true);
+    w.text({at.x - 1.5 * kTick, at.y}, Label(z), 1, 0);
+  }
   for (double y : Ticks(g.yMin, g.yMax)) {
-    if (y == g.yMin) continue;  // the origin's place is taken by the x and z labels
+    if (y == g.yMin) continue;  // the origin's place is taken by the x label
     const MapPoint at = p.at((y - g.yMin) / g.dy, 0, g.zMin);
     w.line(at, {at.x - kTick, at.y}, kBlack, true);
     w.text({at.x - 1.5 * kTick, at.y}, Label(y), 1, 0);
-  }
-  for (double z : Ticks(g.zMin, g.zMax)) {
-    const MapPoint at = p.at(0, 0, z);
-    w.line(at, {at.x - kTick, at.y}, kBlack, true);
-    w.text({at.x - 1.5 * kTick, at.y}, Label(z), 1, 0);
   }
   // Each name a little beyond its axis' end, clear of the tick labels beside the axis.
   auto name = [&](MapPoint end, const char* text) {
@@ -145,7 +208,7 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
   };
   name(p.at(0, g.nx, g.zMin), "x");
   name(p.at(g.ny, 0, g.zMin), "y");
-  name(p.at(0, 0, g.zMax), "z");
+  w.text({zTop.x, zTop.y - 4 * kTick}, "z", 0, 0);
 }
 
 // The surface's rectangle, (-0.5, -0.5) to (W + 0.5, H + 0.5), widened where the box comes
@@ -232,7 +295,19 @@ bool BuildMap(const ContourGrid& grid, const DrawRequest& request, Engine* engin
   } else {
     finished = DrawSurface(grid, p, request.colors, engine, w);
   }
-  if (finished) SurfaceAxes(grid, p, w);
+  if (finished) {
+    SurfaceAxes(grid, p, w);
+    if (request.drawing == MapDrawing::kHide || request.colorMode) {
+      // The key right of the surface's rightmost corner, and the view widened to hold its labels.
+      double rightmost = p.width() / 2;
+      for (int i : {0, grid.ny}) {
+        for (int j : {0, grid.nx}) rightmost = std::max(rightmost, p.at(i, j, grid.zMin).x);
+      }
+      const double left = std::max(p.width() + 0.1, rightmost + 0.15);
+      scene.right = std::max(scene.right, left + 0.3);
+      ColourBar(grid, request.colors, left, 0.2 * p.height(), 0.9 * p.height(), w);
+    }
+  }
   return finished;
 }
 

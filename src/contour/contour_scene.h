@@ -27,6 +27,8 @@ struct MapItem {
   std::string text;
   // Which side of the text its point is on: -1 left/top, 0 centre, 1 right/bottom.
   int8_t alignX = 0, alignY = 0;
+  // A text on a patch of paper that breaks the line under it (level labels).
+  bool boxed = false;
 };
 
 struct MapScene {

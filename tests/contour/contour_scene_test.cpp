@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <map>
 
 #include "test_support.h"
 
@@ -24,6 +25,16 @@ std::vector<const MapItem*> ItemsOf(const MapScene& s, MapItem::Kind kind) {
   std::vector<const MapItem*> out;
   for (const MapItem& item : s.items) {
     if (item.kind == kind) out.push_back(&item);
+  }
+  return out;
+}
+
+// The drawing's cells: the polygons before the axes (the colour key's strips come after).
+std::vector<const MapItem*> Cells(const MapScene& s) {
+  std::vector<const MapItem*> out;
+  for (const MapItem& item : s.items) {
+    if (item.ink) break;
+    if (item.kind == MapItem::kPolygon) out.push_back(&item);
   }
   return out;
 }
@@ -91,8 +102,8 @@ TEST_F(ContourSceneTest, SurfaceIsFilledFromTheBackWithMeanHeightColours) {
     r.colors.Green = -1;
     r.colors.Red = 1;
     ASSERT_TRUE(BuildMap(g, r, nullptr, scene));
-    auto cells = ItemsOf(scene, MapItem::kPolygon);
-    ASSERT_EQ(std::tuple(cells.size(), scene.count(MapItem::kPolyline)), std::tuple(6u, 0u));
+    auto cells = Cells(scene);
+    ASSERT_EQ(std::tuple(cells.size(), scene.count(MapItem::kPolyline)), std::tuple(6u, 1u));  // and the key's frame
     Projection p(g, r.angles);
     int n = 0;
     for (int i = 2; i >= 1; --i) {
@@ -134,8 +145,9 @@ TEST_F(ContourSceneTest, PlotFillsThePlanFirstWithColourModeThenAxesThenLines) {
       ExpectAt(m[0], {(segments[k].x1 + 2) / 4, 1 - (segments[k].y1 + 2) / 4});
       ExpectAt(m[1], {(segments[k].x2 + 2) / 4, 1 - (segments[k].y2 + 2) / 4});
     }
-    EXPECT_EQ(&scene.items.back(), blue.back());  // the lines are drawn last
-    auto cells = ItemsOf(scene, MapItem::kPolygon);
+    // After the lines only their level labels, on paper patches.
+    for (auto* i = blue.back() + 1; i != scene.items.data() + scene.items.size(); ++i) EXPECT_TRUE(i->boxed);
+    auto cells = Cells(scene);
     ASSERT_EQ(cells.size(), colorMode ? 400u : 0u);
     if (colorMode) {
       // First the corner cell (-2..-1.8, -2..-1.8) at the bottom left, mean 7.24 of 0..8.
@@ -152,7 +164,7 @@ TEST_F(ContourSceneTest, TheViewHoldsTheWholeSurfaceAtEveryAngle) {
                        ViewAngles{120, 50}}) {
     SCOPED_TRACE(a.x);
     ASSERT_TRUE(BuildMap(g, Request(MapDrawing::kHide, false, a), nullptr, scene));
-    for (const MapItem* cell : ItemsOf(scene, MapItem::kPolygon)) {
+    for (const MapItem* cell : Cells(scene)) {
       for (uint32_t k = 0; k < cell->count; ++k) {
         const MapPoint m = scene.pointsOf(*cell)[k];
         EXPECT_TRUE(m.x >= scene.left + 0.25 - 1e-9 && m.x <= scene.right - 0.25 + 1e-9) << m.x;
@@ -165,6 +177,77 @@ TEST_F(ContourSceneTest, TheViewHoldsTheWholeSurfaceAtEveryAngle) {
   Projection p(g, {20, 30});
   EXPECT_EQ((std::array<double, 4>{scene.left, scene.top, scene.right, scene.bottom}),
             (std::array<double, 4>{-0.5, -0.5, p.width() + 0.5, p.height() + 0.5}));
+}
+
+// The colour key: strips from zmin at the bottom to zmax at the top, merged where the colour
+// holds (MultiColor's seven bands change after bytes 36, 72, ...), right of the drawing.
+TEST_F(ContourSceneTest, ColourKeyBesideEveryFilledDrawing) {
+  const ContourGrid g = grid("x^2+y^2", {"-2", "2", "20", "-2", "2", "20"});
+  ColorScheme multi;
+  multi.Green = -1;
+  multi.MultiColor = 1;
+  for (auto [drawing, colorMode, colors, strips] :
+       {std::tuple{MapDrawing::kPlot, true, multi, 7u}, {MapDrawing::kHide, false, ColorScheme{}, 256u},
+        {MapDrawing::kCube, true, multi, 7u}, {MapDrawing::kPlot, false, multi, 0u},
+        {MapDrawing::kCube, false, multi, 0u}}) {
+    DrawRequest r = Request(drawing, colorMode);
+    r.colors = colors;
+    r.levels = {1, 4, 1};
+    ASSERT_TRUE(BuildMap(g, r, nullptr, scene));
+    auto polygons = ItemsOf(scene, MapItem::kPolygon);
+    const auto cells = Cells(scene);
+    ASSERT_EQ(polygons.size() - cells.size(), strips) << static_cast<int>(drawing);
+    if (strips == 0) continue;
+    double cellsRight = 0;
+    for (auto* c : cells) cellsRight = std::max(cellsRight, scene.pointsOf(*c)[1].x);
+    std::vector<const MapItem*> key(polygons.begin() + static_cast<long>(cells.size()), polygons.end());
+    const MapPoint* first = scene.pointsOf(*key.front());
+    const MapPoint* last = scene.pointsOf(*key.back());
+    const double bottom = first[0].y, top = last[2].y;
+    EXPECT_TRUE(first[0].x > cellsRight && first[1].x < scene.right - 0.2) << first[0].x;
+    EXPECT_EQ(std::pair(key.front()->color, key.back()->color), std::pair(SchemeColor(0, colors), SchemeColor(255, colors)));
+    if (strips == 7) {
+      EXPECT_NEAR(scene.pointsOf(*key[0])[2].y, bottom - (bottom - top) * 36.5 / 255, 1e-12);
+    }
+  }
+}
+
+// Level labels: on a segment of their level, inside the frame, apart, at most two a level; the
+// z axis stands where its labels are clear of the surface.
+TEST_F(ContourSceneTest, LevelLabelsAndTheZAxisKeepClear) {
+  const ContourGrid g = grid("x^2+y^2", {"-2", "2", "20", "-2", "2", "20"});
+  DrawRequest r = Request(MapDrawing::kPlot);
+  r.levels = {1, 4, 1};
+  ASSERT_TRUE(BuildMap(g, r, nullptr, scene));
+  std::vector<MapPoint> at;
+  std::map<std::string, int> perLevel;
+  for (const MapItem* t : ItemsOf(scene, MapItem::kText)) {
+    if (!t->boxed) continue;
+    const MapPoint m = scene.pointsOf(*t)[0];
+    const double x = m.x * 4 - 2, y = (1 - m.y) * 4 - 2;  // on the circle x^2 + y^2 = level
+    EXPECT_NEAR(x * x + y * y, std::stod(t->text), 0.05) << t->text;
+    for (const MapPoint& p : at) EXPECT_GE(std::hypot(p.x - m.x, p.y - m.y), 0.3);
+    EXPECT_TRUE(m.x > 0.08 && m.x < 0.92 && m.y > 0.08 && m.y < 0.92);
+    at.push_back(m);
+    ++perLevel[t->text];
+  }
+  EXPECT_EQ(perLevel.size(), 4u);
+  for (auto [level, n] : perLevel) EXPECT_LE(n, 2) << level;
+
+  ASSERT_TRUE(BuildMap(g, Request(MapDrawing::kHide), nullptr, scene));
+  auto inside = [](MapPoint m, const MapPoint* q) {  // ray crossing, for any quadrilateral
+    bool in = false;
+    for (int k = 0, l = 3; k < 4; l = k++) {
+      if ((q[k].y > m.y) != (q[l].y > m.y) && m.x < q[l].x + (q[k].x - q[l].x) * (m.y - q[l].y) / (q[k].y - q[l].y)) in = !in;
+    }
+    return in;
+  };
+  int zLabels = 0;
+  for (const MapItem* t : ItemsOf(scene, MapItem::kText)) {
+    zLabels += t->text == "8";
+    for (auto* c : Cells(scene)) EXPECT_FALSE(inside(scene.pointsOf(*t)[0], scene.pointsOf(*c))) << t->text;
+  }
+  EXPECT_EQ(zLabels, 2);  // zmax on the axis and on the key
 }
 
 }  // namespace

@@ -267,22 +267,40 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<std::tu
     EXPECT_LE(backwards, 1) << "Tab jumps back up:" << order;
   }
 
-  // Enlarged, a chart takes most of the new room. At the window's smallest size every caption
-  // has its room and every control lies inside the control that holds it.
+  // Enlarged, a chart takes most of the new room, or else the boxes grow. At that size and at the
+  // window's smallest every caption has its room and every control lies inside the one holding it.
   void expectRoomAtMinimumSize(QWidget* w) {
+    auto widest = [w] {
+      int most = 0;
+      for (const QLineEdit* box : w->findChildren<QLineEdit*>()) most = box->isVisibleTo(w) ? std::max(most, box->width()) : most;
+      return most;
+    };
+    auto expectRoom = [&] {
+      QCoreApplication::processEvents();
+      for (QWidget* c : w->findChildren<QWidget*>()) {
+        if (c->window() != w || !c->isVisibleTo(w) || InScrollArea(c, w)) continue;
+        EXPECT_TRUE(c->parentWidget()->rect().contains(c->geometry()))
+            << NameOf(c) << " lies outside " << NameOf(c->parentWidget()) << " at " << w->width() << "x" << w->height();
+        EXPECT_TRUE(HasRoom(c)) << row().name << " at " << w->width() << "x" << w->height();
+      }
+    };
+    w->resize(w->minimumSizeHint().expandedTo(w->minimumSize()));
+    expectRoom();
+    const int boxAtMinimum = widest();
     w->resize(w->maximumSize().boundedTo(QSize(1600, 1000)));
-    QCoreApplication::processEvents();
-    for (const ChartWidget* chart : w->findChildren<ChartWidget*>()) {
-      EXPECT_TRUE(w->width() < 1600 || chart->width() > 1000) << row().name << " keeps its chart small";
+    expectRoom();
+    int drawing = -1;  // the widest chart, picture or grid, which should take the room
+    for (QWidget* c : w->findChildren<QWidget*>()) {
+      if (c->inherits("merida::ChartWidget") || c->inherits("merida::GridWidget") || c->inherits("merida::SegmentPicture")) {
+        drawing = std::max(drawing, c->width());
+      }
+    }
+    EXPECT_TRUE(w->width() < 1600 || drawing < 0 || drawing > 1000) << row().name << " keeps its drawing small";
+    if (drawing < 0 && w->width() == 1600 && boxAtMinimum > 0) {
+      EXPECT_GT(widest(), boxAtMinimum + 100) << row().name << " keeps its boxes narrow";
     }
     w->resize(w->minimumSizeHint().expandedTo(w->minimumSize()));
     QCoreApplication::processEvents();
-    for (QWidget* c : w->findChildren<QWidget*>()) {
-      if (c->window() != w || !c->isVisibleTo(w) || InScrollArea(c, w)) continue;
-      EXPECT_TRUE(c->parentWidget()->rect().contains(c->geometry()))
-          << NameOf(c) << " lies outside " << NameOf(c->parentWidget()) << " at " << w->width() << "x" << w->height();
-      EXPECT_TRUE(HasRoom(c)) << row().name << " at " << w->width() << "x" << w->height();
-    }
   }
 
   void screenshot(QWidget* w, bool japanese) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "contour/contour_grid.h"
+#include "controls/axis_scale.h"
 #include "engine/engine.h"
 #include "main/app_state.h"
 
@@ -47,11 +48,6 @@ LevelsResult ReadLevels(Engine& engine, const LevelBoxes& boxes);
 // are processed after each row; false when StopRequested ended the tracing (`out` keeps what
 // was drawn by then).
 bool ContourLines(const ContourGrid& grid, const Levels& levels, Engine* engine, std::vector<Segment>& out);
-
-struct Rgb {
-  uint8_t r = 0, g = 0, b = 0;
-  bool operator==(const Rgb&) const = default;
-};
 
 inline constexpr Rgb kContourBlue{0, 0, 255};
 

@@ -182,25 +182,7 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
   }
   const MapPoint zFoot = p.at(zi, zj, g.zMin), zTop = p.at(zi, zj, g.zMax);
   w.line(zFoot, zTop, kBlack, true);
-  for (double x : Ticks(g.xMin, g.xMax)) {
-    const MapPoint at = p.at(0, (x - g.xMin) / g.dx, g.zMin);
-    w.line(at, {at.x, at.y + kTick}, kBlack, true);
-    w.text({at.x, at.y + 1.5 * kTick}, Label(x), 0, -1);
-  }
-  // Before y's: where the z axis stands on the y axis' end, a label written over another is left
-  // out, and the height is the one to keep.
-  for (double z : Ticks(g.zMin, g.zMax)) {
-    const MapPoint at = p.at(zi, zj, z);
-    w.line(at, {at.x - kTick, at.y}, kBlack, true);
-    w.text({at.x - 1.5 * kTick, at.y}, Label(z), 1, 0);
-  }
-  for (double y : Ticks(g.yMin, g.yMax)) {
-    if (y == g.yMin) continue;  // the origin's place is taken by the x label
-    const MapPoint at = p.at((y - g.yMin) / g.dy, 0, g.zMin);
-    w.line(at, {at.x - kTick, at.y}, kBlack, true);
-    w.text({at.x - 1.5 * kTick, at.y}, Label(y), 1, 0);
-  }
-  // Each name a little beyond its axis' end, clear of the tick labels beside the axis.
+  // Each name a little beyond its axis' end, and first: a tick label that would cover it gives way.
   auto name = [&](MapPoint end, const char* text) {
     const double dx = end.x - origin.x, dy = end.y - origin.y, length = std::hypot(dx, dy);
     const double k = length > 0 ? 4 * kTick / length : 0;
@@ -209,6 +191,23 @@ void SurfaceAxes(const ContourGrid& g, const Projection& p, SceneWriter& w) {
   name(p.at(0, g.nx, g.zMin), "x");
   name(p.at(g.ny, 0, g.zMin), "y");
   w.text({zTop.x, zTop.y - 4 * kTick}, "z", 0, 0);
+  for (double x : Ticks(g.xMin, g.xMax)) {
+    const MapPoint at = p.at(0, (x - g.xMin) / g.dx, g.zMin);
+    w.line(at, {at.x, at.y + kTick}, kBlack, true);
+    w.text({at.x, at.y + 1.5 * kTick}, Label(x), 0, -1);
+  }
+  for (double z : Ticks(g.zMin, g.zMax)) {
+    const MapPoint at = p.at(zi, zj, z);
+    w.line(at, {at.x - kTick, at.y}, kBlack, true);
+    w.text({at.x - 1.5 * kTick, at.y}, Label(z), 1, 0);
+  }
+  for (double y : Ticks(g.yMin, g.yMax)) {
+    const MapPoint at = p.at((y - g.yMin) / g.dy, 0, g.zMin);
+    // The origin's place is taken by the x label, the z axis' foot by the heights.
+    if (y == g.yMin || (std::abs(at.x - zFoot.x) < 1e-9 && std::abs(at.y - zFoot.y) < 1e-9)) continue;
+    w.line(at, {at.x - kTick, at.y}, kBlack, true);
+    w.text({at.x - 1.5 * kTick, at.y}, Label(y), 1, 0);
+  }
 }
 
 // The surface's rectangle, (-0.5, -0.5) to (W + 0.5, H + 0.5), widened where the box comes

@@ -328,9 +328,11 @@ void ChartWidget::drawShapes(int set, const QColor& color) {
     area->setPen(QPen(color, 1));
     shape = area;
   }
+  shape->setName(names_[set]);
   chart()->addSeries(shape);
   shape->attachAxis(xAxis_);
   shape->attachAxis(yLinear_);
+  for (QLegendMarker* m : chart()->legend()->markers(shape)) m->setVisible(!names_[set].isEmpty());
   shapes_[set].append(shape);
 }
 

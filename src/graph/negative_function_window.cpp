@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <memory>
 
+#include "controls/axis_scale.h"
 #include "engine/number_text.h"
 
 namespace merida {
@@ -66,7 +67,10 @@ void SegmentPicture::paintEvent(QPaintEvent*) {
   painter.restore();
 
   painter.setClipRect(area);
-  painter.setPen(print_ ? QPen(Qt::black, 2) : QPen(QColor(0, 0, 255), 1.5));
+  // Blue, lightened where the theme's paper is too dark for it.
+  const Rgb blue = SeriesColor(1, {static_cast<std::uint8_t>(paper.red()), static_cast<std::uint8_t>(paper.green()),
+                                   static_cast<std::uint8_t>(paper.blue())});
+  painter.setPen(print_ ? QPen(Qt::black, 2) : QPen(QColor(blue.r, blue.g, blue.b), 1.5));
   for (const Segment& s : segments_) painter.drawLine(map(s.x1, s.y1), map(s.x2, s.y2));
 }
 

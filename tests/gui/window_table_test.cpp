@@ -121,6 +121,7 @@ struct WindowRow {
   const char* enterIn;   // where Return is pressed; "": the focused control; nullptr: no main action
   Step prepare;          // fills the boxes the main action reads
   Seen done;             // the main action's result is on screen
+  Step show = {};        // for the screenshots: a result worth showing
 };
 
 void PrintTo(const WindowRow& r, std::ostream* out) { *out << r.name; }
@@ -128,6 +129,12 @@ void PrintTo(const WindowRow& r, std::ostream* out) { *out << r.name; }
 Step Fill(std::vector<std::pair<const char*, const char*>> boxes) {
   return [boxes](GuiTest& t, QWidget* w) {
     for (auto [box, text] : boxes) t.fill(w, {{box, text}});
+  };
+}
+Step Run(std::vector<std::pair<const char*, const char*>> boxes, std::vector<const char*> buttons) {
+  return [=](GuiTest& t, QWidget* w) {
+    Fill(boxes)(t, w);
+    for (const char* b : buttons) t.click(w, b);
   };
 }
 Seen Shows(const char* control, const char* text) {
@@ -150,7 +157,8 @@ Seen FirstCell(const char* text) {
 const WindowRow kWindows[] = {
     {"MainWindow", "main/main_window.ui", "Text1", "Text1", Fill({{"Text1", "6*7"}}), Shows("Label1", "42")},
     {"GraphWindow", "graph/graph_window.ui", "Text1", "Text3",
-     Fill({{"formula", "x"}, {"Text1", "0"}, {"Text2", "1"}, {"Text3", "4"}}), ChartHas(5)},
+     Fill({{"formula", "x"}, {"Text1", "0"}, {"Text2", "1"}, {"Text3", "4"}}), ChartHas(5),
+     Run({{"formula", "x*sin(x)"}, {"Text1", "-10"}, {"Text2", "10"}, {"Text3", "200"}}, {"Command1"})},
     {"NegativeFunctionWindow", "graph/negative_function_window.ui", "Text1", "Text1", Fill({{"formula", "x^2+y^2-1"}}),
      [](GuiTest&, QWidget* w) { return !static_cast<NegativeFunctionWindow*>(w)->Picture1->segments().empty(); }},
     {"ParameterWindow", "graph/parameter_window.ui", "Text1", nullptr, {}, {}},
@@ -168,7 +176,11 @@ const WindowRow kWindows[] = {
      Fill({{"formula", "x^2-1"}, {"Text1", "-2"}, {"Text2", "2"}, {"Text3", "4"}}), ListHas(2)},
     {"ContourWindow", "contour/contour_window.ui", "Text1", "Text1", Fill({{"formula", "x*y"}}),
      Shows("Label5", "-4 ～ 4")},
-    {"ContourMapWindow", "contour/contour_map_window.ui", nullptr, nullptr, {}, {}},
+    {"ContourMapWindow", "contour/contour_map_window.ui", nullptr, nullptr, {}, {},
+     [](GuiTest& t, QWidget*) {
+       Run({{"formula", "10*sin(x)*cos(y)"}, {"Text1", "-3"}, {"Text2", "3"}, {"Text4", "-3"}, {"Text5", "3"}},
+           {"Command1", "Command5"})(t, t.window("ContourWindow"));
+     }},
     {"AxisAngleWindow", "contour/axis_angle_window.ui", "Text1", "Text1", Fill({{"Text1", "45"}}),
      [](GuiTest& t, QWidget*) { return t.state().ViewAngleX == 45; }},
     {"PadWindow", "main/pad_window.ui", nullptr, nullptr, {}, {}},
@@ -186,11 +198,21 @@ const WindowRow kWindows[] = {
      [](GuiTest& t, QWidget*) { return t.readFile("mrdsound.wav").starts_with("RIFF"); }},
     {"HelpWindow", "help/help_window.ui", nullptr, nullptr, {}, {}},
     {"FftWindow", "signal/fft_window.ui", "Text1", "Text3", Fill({{"formula", "sin(2*PI*5*x)"}}),
-     [](GuiTest&, QWidget* w) { return !TextOf(w, "Label3").isEmpty(); }},
+     [](GuiTest&, QWidget* w) { return !TextOf(w, "Label3").isEmpty(); },
+     Run({{"formula", "cos(2*PI*5*x)+0.5*cos(2*PI*12*x)"}}, {"Command1", "Command3"})},
     {"SpectrumWindow", "signal/spectrum3d_window.ui", nullptr, nullptr, {}, {}},
     {"LoadWindow", "signal/load_window.ui", "Text1", nullptr, {}, {}},
     {"FileDisplayWindow", "signal/file_display_window.ui", nullptr, nullptr, {}, {}},
-    {"StatWindow", "stats/stat_window.ui", "Text1", nullptr, {}, {}},
+    {"StatWindow", "stats/stat_window.ui", "Text1", nullptr, {}, {},
+     [](GuiTest& t, QWidget* w) {
+       std::vector<std::vector<float>> rows;
+       for (int k = 0; k < 40; ++k) rows.push_back({k * 0.5f, k * 0.9f + 3 * std::sin(k * 1.7f)});
+       t.recordRows(rows);
+       QEvent activate(QEvent::WindowActivate);  // the record table's state, as on coming to the front
+       QApplication::sendEvent(w, &activate);
+       Run({{"Text1", "2"}}, {"Command1", "Command2"})(t, w);
+       Run({{"Text1", "1"}}, {"Command3"})(t, w);
+     }},
     {"MultRegWindow", "stats/multreg_window.ui", "Text1", nullptr, {}, {}},
     {"TestWindow", "stats/test_window.ui", "Text1", nullptr, {}, {}},
     {"PrimeWindow", "algebra/prime_window.ui", "Text1", "Text1", Fill({{"Text1", "360"}}), ListHas(3)},
@@ -308,6 +330,7 @@ class EveryWindow : public GuiTest, public ::testing::WithParamInterface<std::tu
     if (dir.isEmpty()) return;
     QDir().mkpath(dir);
     const QPalette light = QApplication::palette();
+    if (row().show) row().show(*this, w);
     for (const char* theme : {"", "-dark"}) {
       if (*theme) QApplication::setPalette(DarkPalette());
       QCoreApplication::processEvents();

@@ -842,12 +842,16 @@
         <translation>中止</translation>
     </message>
     <message>
-        <source>Time (s)</source>
-        <translation>時間 (秒)</translation>
+        <source>Sample</source>
+        <translation>標本番号</translation>
     </message>
     <message>
         <source>Amplitude</source>
         <translation>振幅</translation>
+    </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
     </message>
 </context>
 <context>

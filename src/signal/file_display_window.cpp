@@ -17,12 +17,12 @@ FileDisplayWindow::FileDisplayWindow(Engine& engine, AppState& state, QWidget* p
   Graph1->draw();
 }
 
-void FileDisplayWindow::retranslate() {
-  retranslateUi(this);
-  Graph1->setAxisTitles(tr("Time (s)"), tr("Amplitude"));
-}
+void FileDisplayWindow::retranslate() { retranslateUi(this); }
 
 void FileDisplayWindow::display() {
+  // Sound runs over its sample numbers; other data over the range its file gave.
+  if (state_.Records.kind == WaveData) Graph1->setAxisTitles(tr("Sample"), tr("Amplitude"));
+  else Graph1->setAxisTitles(QStringLiteral("x"), tr("Value"));
   Graph1->setPoints(1, FileDisplayPoints(state_.Records));
   Graph1->draw();
 }

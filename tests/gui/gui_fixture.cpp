@@ -196,6 +196,8 @@ void GuiTest::recordWave(int count) {
   for (int i = 1; i <= count; ++i) t.values[i][0] = static_cast<float>(std::sin(2 * M_PI * 1000 * i / 11025.0));
   t.count = static_cast<int16_t>(count);
   t.sampleRate = 11025;
+  t.rangeStart = 0;  // as loading a WAVE file sets it: sample numbers
+  t.rangeEnd = static_cast<float>(count);
   t.kind = WaveData;
 }
 

@@ -134,7 +134,7 @@ Step Fill(std::vector<std::pair<const char*, const char*>> boxes) {
 Step Run(std::vector<std::pair<const char*, const char*>> boxes, std::vector<const char*> buttons) {
   return [=](GuiTest& t, QWidget* w) {
     Fill(boxes)(t, w);
-    for (const char* b : buttons) t.click(w, b);
+    for (const char* b : buttons) std::string_view(b).starts_with("Check") ? ClickBox(GuiTest::child<QCheckBox>(w, b)) : t.click(w, b);
   };
 }
 Seen Shows(const char* control, const char* text) {
@@ -173,7 +173,8 @@ const WindowRow kWindows[] = {
     {"DiffWindow", "calculus/diff_window.ui", "Text4", "Text5",
      Fill({{"formula", "x^2"}, {"Text2", "1"}, {"Text4", "0"}, {"Text5", "3"}}), ChartHas(4)},
     {"IntersectionWindow", "algebra/root_window.ui", "Text1", "Text3",
-     Fill({{"formula", "x^2-1"}, {"Text1", "-2"}, {"Text2", "2"}, {"Text3", "4"}}), ListHas(2)},
+     Fill({{"formula", "x^2-1"}, {"Text1", "-2"}, {"Text2", "2"}, {"Text3", "4"}}), ListHas(2),
+     Run({{"formula", "x^3-2*x"}, {"Text3", "40"}}, {"Check1", "Command1"})},
     {"ContourWindow", "contour/contour_window.ui", "Text1", "Text1", Fill({{"formula", "x*y"}}),
      Shows("Label5", "-4 ～ 4")},
     {"ContourMapWindow", "contour/contour_map_window.ui", nullptr, nullptr, {}, {},
@@ -184,8 +185,18 @@ const WindowRow kWindows[] = {
     {"AxisAngleWindow", "contour/axis_angle_window.ui", "Text1", "Text1", Fill({{"Text1", "45"}}),
      [](GuiTest& t, QWidget*) { return t.state().ViewAngleX == 45; }},
     {"PadWindow", "main/pad_window.ui", nullptr, nullptr, {}, {}},
-    {"SimultWindow", "algebra/simult_window.ui", "Text1", "Text2", Fill({{"Text2", "5"}}), FirstCell("5")},
-    {"MatrixWindow", "algebra/simult_window.ui", "Text1", "Text2", Fill({{"Text2", "5"}}), FirstCell("5")},
+    {"SimultWindow", "algebra/simult_window.ui", "Text1", "Text2", Fill({{"Text2", "5"}}), FirstCell("5"),
+     [](GuiTest& t, QWidget* w) {  // after the 5: 5x + y + z = 10, 2x - y + z = 3, x + 2y - z = 2
+       for (const char* v : {"1", "1", "10", "2", "-1", "1", "3", "1", "2", "-1", "2"}) {
+         GuiTest::enter(GuiTest::child<QLineEdit>(w, "Text2"), v);
+       }
+       t.click(w, "Command1");
+     }},
+    {"MatrixWindow", "algebra/simult_window.ui", "Text1", "Text2", Fill({{"Text2", "5"}}), FirstCell("5"),
+     [](GuiTest& t, QWidget* w) {
+       for (const char* v : {"1", "1", "2", "-1", "1", "1", "2", "-1"}) GuiTest::enter(GuiTest::child<QLineEdit>(w, "Text2"), v);
+       t.click(w, "Command4");
+     }},
     {"DelayWindow", "calculus/delay_window.ui", "Text1", "Text1",
      [](GuiTest& t, QWidget* w) {
        t.fill(w, {{"formula", "timestep(1)+1"}});
@@ -202,7 +213,7 @@ const WindowRow kWindows[] = {
      Run({{"formula", "cos(2*PI*5*x)+0.5*cos(2*PI*12*x)"}}, {"Command1", "Command3"})},
     {"SpectrumWindow", "signal/spectrum3d_window.ui", nullptr, nullptr, {}, {}},
     {"LoadWindow", "signal/load_window.ui", "Text1", nullptr, {}, {}},
-    {"FileDisplayWindow", "signal/file_display_window.ui", nullptr, nullptr, {}, {}},
+    {"FileDisplayWindow", "signal/file_display_window.ui", nullptr, nullptr, {}, {}, Run({}, {"Command1"})},
     {"StatWindow", "stats/stat_window.ui", "Text1", nullptr, {}, {},
      [](GuiTest& t, QWidget* w) {
        std::vector<std::vector<float>> rows;
@@ -214,7 +225,8 @@ const WindowRow kWindows[] = {
        Run({{"Text1", "1"}}, {"Command3"})(t, w);
      }},
     {"MultRegWindow", "stats/multreg_window.ui", "Text1", nullptr, {}, {}},
-    {"TestWindow", "stats/test_window.ui", "Text1", nullptr, {}, {}},
+    {"TestWindow", "stats/test_window.ui", "Text1", nullptr, {}, {},
+     Run({{"Text1", "50"}, {"Text4", "52.5"}, {"Text5", "4"}, {"Text6", "20"}}, {"Command1"})},
     {"PrimeWindow", "algebra/prime_window.ui", "Text1", "Text1", Fill({{"Text1", "360"}}), ListHas(3)},
     {"ErrorWindow", "main/error_window.ui", nullptr, "", {}, [](GuiTest&, QWidget* w) { return !w->isVisible(); }},
 };

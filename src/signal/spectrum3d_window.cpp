@@ -1,6 +1,7 @@
 // The Time Continuous Spectrum window: the matrix comes from the FFT window's 3D button.
 #include "signal/spectrum3d_window.h"
 
+#include <QEvent>
 #include <QLinearGradient>
 #include <QOffscreenSurface>
 #include <cmath>
@@ -65,7 +66,7 @@ SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
       graph_->axisY()->setTitleVisible(true);
       graph_->axisZ()->setTitleVisible(true);
       graph_->scene()->activeCamera()->setCameraPreset(Q3DCamera::CameraPresetIsometricLeftHigh);
-      graph_->scene()->activeCamera()->setZoomLevel(90);
+      graph_->scene()->activeCamera()->setZoomLevel(72);  // the near corner's labels stay in view
       // The theme's labels are sized for a full-screen scene: at the window's size they would be
       // a few pixels high.
       QFont labels = graph_->activeTheme()->font();
@@ -73,6 +74,7 @@ SpectrumWindow::SpectrumWindow(Engine& engine, AppState& state, QWidget* parent)
       graph_->activeTheme()->setFont(labels);
       for (QValue3DAxis* axis : {graph_->axisX(), graph_->axisY(), graph_->axisZ()}) axis->setLabelFormat("%.4g");
       graph_->axisY()->setSegmentCount(4);
+      followPalette();
       Container = QWidget::createWindowContainer(graph_, this);
       Container->setObjectName("Container");
     } else {
@@ -129,6 +131,22 @@ void SpectrumWindow::print() {
     const QSize shown = image.size().scaled(page.size(), Qt::KeepAspectRatio);
     painter.drawImage(QRect(page.topLeft(), shown), image);
   });
+}
+
+void SpectrumWindow::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) followPalette();
+  ToolWindow::changeEvent(event);
+}
+
+void SpectrumWindow::followPalette() {
+  if (!graph_) return;
+  Q3DTheme* theme = graph_->activeTheme();
+  const QPalette& p = palette();
+  theme->setWindowColor(p.color(QPalette::Window));
+  theme->setBackgroundColor(p.color(QPalette::Base));
+  theme->setLabelBackgroundColor(p.color(QPalette::Base));
+  theme->setLabelTextColor(p.color(QPalette::Text));
+  theme->setGridLineColor(p.color(QPalette::Mid));
 }
 
 }  // namespace merida

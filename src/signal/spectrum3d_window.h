@@ -38,8 +38,13 @@ class SpectrumWindow : public ToolWindow, public Ui::SpectrumWindow {
   int frames() const { return frames_; }
   int points() const { return points_; }
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
   void print();
+  // The scene's paper, ink and grid from the window's palette, so a dark theme gets a dark scene.
+  void followPalette();
 
   Q3DSurface* graph_ = nullptr;
   QSurface3DSeries* series_ = nullptr;

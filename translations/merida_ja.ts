@@ -1126,6 +1126,10 @@
         <source>The sign change near x = %1 never came within the judge value; it is not listed as a root.</source>
         <translation>x = %1 付近の符号の変化は判定値に届きませんでした。根としては表示しません。</translation>
     </message>
+    <message>
+        <source>The greyed list and chart are from an earlier run: this one listed nothing.</source>
+        <translation>灰色の一覧とグラフは前回の結果です。今回は何も表示していません。</translation>
+    </message>
 </context>
 <context>
     <name>merida::StatWindow</name>

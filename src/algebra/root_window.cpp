@@ -106,7 +106,16 @@ void IntersectionWindow::search(QPushButton* button, std::function<RootResult(To
 void IntersectionWindow::showSearch(const RootResult& r) {
   if (r.judge) judgeValue_ = *r.judge;
   if (r.numBox) Text3->setText(QString::fromStdString(*r.numBox));
-  if (r.end != RootEnd::kListed) return;
+  if (r.end != RootEnd::kListed) {
+    // The rule keeps the old list (and its chart) on screen: greyed, it is not taken for the
+    // answer to the boxes as they now stand.
+    if (List1->count() > 0 && r.end != RootEnd::kStopped) {
+      markStale({List1, Graph1}, true);
+      showStatus(tr("The greyed list and chart are from an earlier run: this one listed nothing."));
+    }
+    return;
+  }
+  markStale({List1, Graph1}, false);
   rootX_ = r.rootX;
   setLines(r.lines);
   if (r.unresolved.empty()) {

@@ -88,8 +88,10 @@ void ContourWindow::draw(QPushButton* button, MapDrawing drawing) {
   if (!grid_) return;
   DrawRequest request{drawing, state_.ColorMode == 1, state_.Colors, {state_.ViewAngleX, state_.ViewAngleY}, {}};
   if (drawing == MapDrawing::kPlot) {
+    engine_.EndSilently({});
     LevelsResult levels = ReadLevels(engine_, {Text(Text7), Text(Text8), Text(Text9)});
     if (levels.stepBox) Text9->setText(QString::fromStdString(*levels.stepBox));
+    reportSilentEnd(engine_);
     if (!levels.levels) return;
     request.levels = *levels.levels;
   }

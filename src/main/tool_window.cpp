@@ -12,6 +12,7 @@
 #include <QProgressBar>
 #include <QTimer>
 #include <QFileDialog>
+#include <QGraphicsOpacityEffect>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLayout>
@@ -227,8 +228,14 @@ void ToolWindow::finishJob(int generation) {
   ApplyChanges(state_, run->before, run->state);
   engine_.TakeRandomStateFrom(run->engine);
   if (apply) apply(*run);
-  // A run its rules end without a message still says why, in the status line.
-  const std::string& why = run->engine.silentReason();
+  reportSilentEnd(run->engine);
+  // The next writer in line starts from the table this one left.
+  leaveTurn();
+}
+
+void ToolWindow::reportSilentEnd(const Engine& engine) {
+  // A run its rules end without a message still says why.
+  const std::string& why = engine.silentReason();
   if (!why.empty()) {
     showStatus(tr("Nothing done: %1").arg(QString::fromStdString(why)));
     silentShown_ = true;
@@ -236,8 +243,18 @@ void ToolWindow::finishJob(int generation) {
     showStatus(QString());
     silentShown_ = false;
   }
-  // The next writer in line starts from the table this one left.
-  leaveTurn();
+}
+
+void ToolWindow::markStale(std::initializer_list<QWidget*> results, bool stale) {
+  for (QWidget* w : results) {
+    if (!stale) {
+      w->setGraphicsEffect(nullptr);
+    } else if (!w->graphicsEffect()) {
+      auto* grey = new QGraphicsOpacityEffect(w);
+      grey->setOpacity(0.35);
+      w->setGraphicsEffect(grey);
+    }
+  }
 }
 
 void ToolWindow::printWindow() {

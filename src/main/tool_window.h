@@ -57,10 +57,12 @@ class ToolWindow : public QWidget {
   // (a label) or as each line's tooltip (a list); in Japanese mode nothing changes.
   void explainJapanese(QLabel* label);
   void explainJapanese(QListWidget* list);
+  // Says in the status line why the last run, a job or not, did nothing; clears an old reason.
+  void reportSilentEnd(const Engine& engine);
+  // Greys results the rules keep on screen after a run that replaced nothing, so that they do
+  // not pass for the answer to the boxes as they now stand; false restores them.
+  static void markStale(std::initializer_list<QWidget*> results, bool stale);
 
- public:
-
- protected:
   // What a job writes that other windows' jobs may write too.
   enum class JobWrites { kOwnResults, kRecordTable };
   // Starts the window's long computation as a job: `work` runs on a worker thread over a

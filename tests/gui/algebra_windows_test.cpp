@@ -51,6 +51,15 @@ TEST_F(GuiTest, IntersectionListChartBoxesAndStop) {
   QTest::mouseClick(w->Command2, Qt::LeftButton);
   EXPECT_FALSE(w->running());
   EXPECT_EQ(Lines(w->List1), (QStringList{"x= 0  y= 0", "x= 1  y= 1"}));
+  EXPECT_EQ(w->List1->graphicsEffect(), nullptr) << "a stopped run greys nothing";
+  // A run that cannot start keeps the list, as its rule has it, greyed.
+  for (auto [formula, greyed] : {std::pair{"(x", true}, {"x^2-1", false}}) {
+    fill(w, {{"formula", formula}, {"Text1", "-2"}, {"Text2", "2"}, {"Text3", "4"}});
+    click(w, "Command1");
+    EXPECT_EQ(std::tuple(Lines(w->List1).size(), w->List1->graphicsEffect() != nullptr, w->Graph1->graphicsEffect() != nullptr),
+              std::tuple(2, greyed, greyed)) << formula;
+    if (greyed) acknowledgeError();
+  }
 
   // The polynomial buttons write the second function's box, the list and, by Copy, the main box.
   w = open<IntersectionWindow>();

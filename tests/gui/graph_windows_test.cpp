@@ -158,7 +158,12 @@ TEST_F(GuiTest, ContourMapSavedImageAxisAngleAndStop) {
   main().setFormulaText("x^2+y^2");
   auto* w = open<ContourWindow>();
   click(w, "Command1");
+  fill(w, {{"Text7", "4"}, {"Text8", "1"}});  // levels that draw nothing say why
   click(w, "Command3");
+  EXPECT_EQ(w->statusLine()->text(), "Nothing done: the lowest level must be below the highest, once both are rounded to whole numbers");
+  fill(w, {{"Text7", "1"}, {"Text8", "4"}});
+  click(w, "Command3");
+  EXPECT_EQ(w->statusLine()->text(), "");
   ContourMapWindow* map = w->mapWindow();
   ClickBox(w->Check2);
   EXPECT_TRUE(map->Picture1->printMode() && map->Picture1->mapStyle().paper == QColor(Qt::white));

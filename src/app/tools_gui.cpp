@@ -1,9 +1,7 @@
 // One line per button. A window is loaded afresh when opened and only raised while it is open.
 #include "app/tools_gui.h"
 
-#include <QLineEdit>
 #include <QPointer>
-#include <map>
 #include <memory>
 
 #include "algebra/prime_window.h"
@@ -37,22 +35,9 @@ std::function<void()> Opener(Make make) {
       (*window)->activateWindow();
       return;
     }
-    // What the user typed in the boxes, kept while the program runs.
-    std::map<QString, QString> typed;
-    if (*window) {
-      for (const QLineEdit* box : (*window)->template findChildren<QLineEdit*>()) {
-        if (box->window() == *window && !box->objectName().isEmpty()) typed[box->objectName()] = box->text();
-      }
-    }
     // A window closed during its run is still inside its button handler: delete it later.
     if (*window) (*window)->deleteLater();
     *window = make();
-    // Boxes that the window's opening leaves empty get their text back; a box the opening
-    // fills (a count of 50, a default tolerance) keeps the opening's value.
-    for (QLineEdit* box : (*window)->template findChildren<QLineEdit*>()) {
-      auto it = typed.find(box->objectName());
-      if (box->window() == *window && box->text().isEmpty() && it != typed.end()) box->setText(it->second);
-    }
     (*window)->show();
   };
 }

@@ -19,6 +19,7 @@ ChartWidget::Type ChartTypeOf(ChartType t) {
 GraphWindow::GraphWindow(Engine& engine, AppState& state, std::function<QString()> formula, QWidget* parent)
     : ToolWindow(engine, state, parent), formula_(std::move(formula)) {
   setupUi(this);
+  remembersBoxes_ = false;  // its opening empties the range boxes
 
   connect(Command1, &QPushButton::clicked, this, &GraphWindow::go);
   pressOnEnter({Text1, Text2, Text3}, Command1);

@@ -4,6 +4,7 @@
 #include "controls/chart_widget.h"
 #include "engine/english.h"
 
+#include <QLineEdit>
 #include <QListWidget>
 
 #include <QBoxLayout>
@@ -11,6 +12,7 @@
 #include <QDateTime>
 #include <QProgressBar>
 #include <QTimer>
+#include <map>
 #include <QFileDialog>
 #include <QGraphicsOpacityEffect>
 #include <QGridLayout>
@@ -351,6 +353,7 @@ void ToolWindow::showEvent(QShowEvent* event) {
   // takes the new captions when it opens again.
   if (shownIn_ != state_.DisplayLanguage) retranslate();
   shownIn_ = state_.DisplayLanguage;
+  if (!event->spontaneous()) rememberBoxes(true);
   // A chart's readout of the point under the cursor goes to the status line.
   for (ChartWidget* chart : findChildren<ChartWidget*>()) {
     if (chart->window() != this || chart->property("readoutWired").toBool()) continue;
@@ -375,7 +378,48 @@ void ToolWindow::pressOnEnter(std::initializer_list<QLineEdit*> boxes, QPushButt
   for (QLineEdit* box : boxes) connect(box, &QLineEdit::returnPressed, button, &QPushButton::click);
 }
 
+namespace {
+
+// What was typed in each window's boxes, kept while the program runs: a window closed and opened
+// again, or built anew, gets back the boxes its opening leaves empty. It hangs on the top of
+// the window tree (the main window), which outlives every tool window.
+class BoxMemory : public QObject {
+ public:
+  using QObject::QObject;
+  static constexpr const char* kName = "BoxMemory";
+  std::map<QString, std::map<QString, QString>> typed;  // window name → box name → text
+
+  static BoxMemory& of(QObject* window) {
+    QObject* top = window;
+    while (top->parent()) top = top->parent();
+    // By name: without a meta-object of its own, a cast by type would take any QObject.
+    auto* memory = dynamic_cast<BoxMemory*>(top->findChild<QObject*>(kName, Qt::FindDirectChildrenOnly));
+    if (!memory) {
+      memory = new BoxMemory(top);
+      memory->setObjectName(kName);
+    }
+    return *memory;
+  }
+};
+
+}  // namespace
+
+void ToolWindow::rememberBoxes(bool restore) {
+  if (!remembersBoxes_) return;
+  std::map<QString, QString>& typed = BoxMemory::of(this).typed[objectName()];
+  for (QLineEdit* box : findChildren<QLineEdit*>()) {
+    // Read-only boxes show results, which belong to the run that made them.
+    if (box->window() != this || box->objectName().isEmpty() || box->isReadOnly()) continue;
+    if (!restore) {
+      typed[box->objectName()] = box->text();
+    } else if (auto it = typed.find(box->objectName()); it != typed.end() && box->text().isEmpty()) {
+      box->setText(it->second);  // a box the opening fills (a count, a tolerance) keeps its value
+    }
+  }
+}
+
 void ToolWindow::closeEvent(QCloseEvent* event) {
+  rememberBoxes(false);
   stopJob();
   engine_.StopRequested = 1;
   QWidget::closeEvent(event);

@@ -62,6 +62,9 @@ class ToolWindow : public QWidget {
   // Greys results the rules keep on screen after a run that replaced nothing, so that they do
   // not pass for the answer to the boxes as they now stand; false restores them.
   static void markStale(std::initializer_list<QWidget*> results, bool stale);
+  // Whether the boxes typed are given back when the window opens again; off for a window whose
+  // opening must empty them.
+  bool remembersBoxes_ = true;
 
   // What a job writes that other windows' jobs may write too.
   enum class JobWrites { kOwnResults, kRecordTable };
@@ -104,6 +107,8 @@ class ToolWindow : public QWidget {
   void leaveTurn();
   void finishJob(int generation);
   void showProgress();
+  // Keeps the boxes' texts on close; on show, puts them back in boxes left empty.
+  void rememberBoxes(bool restore);
 
   std::shared_ptr<ToolRun> run_;
   std::function<void(ToolRun&)> apply_;

@@ -31,9 +31,12 @@ TEST_F(GuiTest, IntegrationEvensTheCountAndOpensDoubleOnlyForTwoVariables) {
   EXPECT_EQ(main().answerText() + " " + d->Text3->text(), "1 5") << "an odd count is used evened, the box keeps it";
   click(w, "Command2");  // Close of the Integration window closes both
   EXPECT_TRUE(!d->isVisible() && engine().BindToX == -1);
-  // Reopened, it has the boxes typed before, except the count its opening sets.
+  // Reopened, it has the boxes typed before, except the count its opening sets; so has the
+  // Double Integration window it opens anew.
   w = open<IntegrationWindow>();
   EXPECT_EQ(w->Text1->text() + "|" + w->Text2->text() + "|" + w->Text3->text(), "0|-1|50");
+  d = open<DoubleIntegrationWindow>();
+  EXPECT_EQ(d->Text2->text() + "|" + d->Text5->text(), "1|2");
 }
 
 // Capped counts show at the start and the bar moves; Go (reading Stop), Close and Escape each

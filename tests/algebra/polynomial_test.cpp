@@ -52,8 +52,7 @@ TEST_F(PolynomialTest, ExpandAndArrangeWriteTheSecondFunction) {
 
 TEST_F(PolynomialTest, SeekListsRootsAndFactors) {
   const std::tuple<const char*, bool, Lines, const char*> cases[] = {
-      {"x^2-2*x+1", false, {"x= 1 重根", "x= 1 重根"}, "(x^2-2*x+1)"},
-      {"x^2+1", false, {"x= 虚根", "x= 虚根"}, "(x^2+1)"},
+      {"x^2-2*x+1", false, {"x= 1 重根", "x= 1 重根"}, "(x^2-2*x+1)"}, {"x^2+1", false, {"x= 虚根", "x= 虚根"}, "(x^2+1)"},
       {"2*x^2-3*x+1", false, {"x= .5", "x= 1"}, "(2*x^2-3*x+1)"},
       {"x^3-1", true, {"x= 虚根", "x= 虚根", "x= 1"}, "(x^2+x+1)*(x-1)"},
       {"x^3-x^3+x-2", false, {"x= 2"}, "(x-2)"},  // a leading coefficient of zero is not a degree
@@ -155,10 +154,7 @@ TEST_F(PolynomialTest, FactorWithAnEmptyBoxTakesEveryRealRootOfTheLastSeek) {
 TEST_F(PolynomialTest, CoefficientsThatPrintAsOneAndSnappingToIntegers) {
   const double nearOne = 1.0000000000000002, belowOne = 0.99999999999999989;
   EXPECT_EQ(FactorListText("x", {{1, nearOne, 1}, {0, -belowOne, 2}}), "(x^2+x+1)*(-x+2)");
-  Polynomial p;
-  p.varName = "t";
-  p.degree = 2;
-  p.coef = {0, -nearOne, belowOne};
+  const Polynomial p{"t", {0, -nearOne, belowOne}, 2};
   EXPECT_EQ(ArrangeText(p) + " " + ExpandText(p), "t^2-t+0 t^2-t");
   const std::tuple<double, double, double> snaps[] = {
       {2.000001, 1e-5, 2}, {-2.000001, 1e-5, -2}, {2.0001, 1e-5, 2.0001}, {0.5, 0.6, 0}, {1.5, 0.6, 2},

@@ -130,14 +130,11 @@ TEST_F(DifferentialTest, SimultSolvesThePairAndRecordsThreeColumns) {
 
 TEST_F(DifferentialTest, ModeSwitches) {
   EXPECT_EQ(std::tuple(state.DiffMode, engine.BindToX), std::tuple(kDiffDerivative, 1));
-  EXPECT_FALSE(ClickRungeKutta(state, true)) << "cleared again at once in Diff mode";
-  EXPECT_EQ(state.DiffMode, kDiffDerivative);
+  EXPECT_TRUE(!ClickRungeKutta(state, true) && state.DiffMode == kDiffDerivative) << "cleared again in Diff mode";
   SelectDiffEquationOption(state);
   EXPECT_EQ(state.DiffMode, kDiffSimple);
-  EXPECT_TRUE(ClickRungeKutta(state, true));
-  EXPECT_EQ(state.DiffMode, kDiffRungeKutta);
-  EXPECT_FALSE(ClickRungeKutta(state, false));
-  EXPECT_EQ(state.DiffMode, kDiffSimple);
+  EXPECT_TRUE(ClickRungeKutta(state, true) && state.DiffMode == kDiffRungeKutta) << state.DiffMode;
+  EXPECT_TRUE(!ClickRungeKutta(state, false) && state.DiffMode == kDiffSimple) << state.DiffMode;
   SelectDiffOption(state);
   EXPECT_EQ(state.DiffMode, kDiffDerivative);
   CloseDiffWindow(engine, state);
@@ -150,11 +147,9 @@ TEST_F(DifferentialTest, EndsBeforeTheFirstPoint) {
   const std::tuple<int16_t, int, const char*, DiffBoxes, int> cases[] = {
       {3, 1, "y", Boxes("y 1", "0.1", "0", "1", "1"), 0},  // names of letters, digits and _ only
       {1, 1, "x", Boxes("a.b", "1", "0", "3"), 0},  // checked in Diff mode too
-      {2, 1, "x*t+y", Boxes("y", "0.1", "0", "1", "1"), 27},
-      {1, 1, "x*y", Boxes("y", "0.1", "0", "1"), 27},
+      {2, 1, "x*t+y", Boxes("y", "0.1", "0", "1", "1"), 27}, {1, 1, "x*y", Boxes("y", "0.1", "0", "1"), 27},
       {3, 1, "diff*x", Boxes("y", "0.1", "0", "1", "1"), 27},  // diff counts in the first grade
-      {3, 1, "sin(y", Boxes("y", "0.1", "0", "1", "1"), 23},
-      {3, 1, "y", Boxes("y", "(0.1", "0", "1", "1"), 23},
+      {3, 1, "sin(y", Boxes("y", "0.1", "0", "1", "1"), 23}, {3, 1, "y", Boxes("y", "(0.1", "0", "1", "1"), 23},
       {3, 1, "y", Boxes("y", "0", "0", "1", "1"), 0},     // width 0
       {2, 1, "y", Boxes("y", "", "1", "1", "1"), 0},      // width 0 over an empty range
       {3, 2, "y", Boxes("y", "-0.1", "0", "1", "1"), 0},  // a width away from the end
@@ -191,8 +186,7 @@ TEST_F(DifferentialTest, ErrorsKeepThePointsComputedSoFarAndOverflowEndsQuietly)
   EXPECT_EQ(host.errors, std::vector<int>{11});
   host.errors.clear();
   const std::tuple<int16_t, int, const char*, DiffBoxes> faults[] = {
-      {3, 1, "exp(y)", Boxes("y", "1", "0", "10", "1")},
-      {2, 1, "y*y", Boxes("y", "1", "0", "10", "1E+100")},
+      {3, 1, "exp(y)", Boxes("y", "1", "0", "10", "1")}, {2, 1, "y*y", Boxes("y", "1", "0", "10", "1E+100")},
       {2, 2, "diff*diff", Boxes("y", "1", "0", "10", "1", "1E+200")},
       {1, 1, "x*10^307", Boxes("", "15", "-15", "15")},  // finite values whose difference overflows
       {3, 1, "1", Boxes("y", "1E+308", "0", "1E+308", "0")}};
@@ -202,8 +196,7 @@ TEST_F(DifferentialTest, ErrorsKeepThePointsComputedSoFarAndOverflowEndsQuietly)
     DiffEnd end = run(mode, grade, formula, boxes).end;
     EXPECT_EQ(std::tuple(end, engine.BindToX, engine.StopRequested), std::tuple(DiffEnd::kFault, -1, 1)) << formula;
   }
-  EXPECT_TRUE(host.faults.empty()) << "a tool ends a fault without a message";
-  EXPECT_TRUE(host.errors.empty());
+  EXPECT_TRUE(host.faults.empty() && host.errors.empty()) << "a tool ends a fault without a message";
 }
 
 TEST_F(DifferentialTest, CloseStopsBetweenSteps) {

@@ -112,8 +112,7 @@ TEST_F(IntegrationTest, DoubleIntegral) {
   host.errors.clear();
   EXPECT_EQ(PrepareDoubleIntegral(engine, "x*y+y"), Names({"x", "y"}));
   EXPECT_EQ(PrepareDoubleIntegral(engine, "g(s,t)=t*s"), Names({"s", "t"}));
-  EXPECT_EQ(PrepareDoubleIntegral(engine, "sin(x)"), std::nullopt);
-  EXPECT_EQ(PrepareDoubleIntegral(engine, "1+"), std::nullopt);
+  EXPECT_FALSE(PrepareDoubleIntegral(engine, "sin(x)") || PrepareDoubleIntegral(engine, "1+"));
   EXPECT_EQ(std::tuple(host.errors, engine.BindToX), std::tuple(std::vector<int>{33, 22}, -1));
 }
 

@@ -141,8 +141,7 @@ TEST(ToolCode, FormulasOfXAgree) {
   };
   for (const auto& [f, form] : forms) {
     auto lean = CompareAtX(f);
-    EXPECT_TRUE(lean->lean) << f;
-    EXPECT_TRUE(form == 'l' || lean->engine.runsInRegisters() == (form == 'r')) << f;
+    EXPECT_TRUE(lean->lean && (form == 'l' || lean->engine.runsInRegisters() == (form == 'r'))) << f;
   }
 }
 
@@ -230,9 +229,8 @@ TEST(ToolCode, PointsReachValuesErrorsAndFaults) {
       {"x-s(x)", none, x3, ok, x3 - Round15(x3)},  // a parameter holds its argument read back in 15 digits
       {"x^2+3*x+1", none, -2, ok, -1}, {"x^2+3*x+1", none, 0.5, ok, 2.75}, {"x-x", none, x3, ok, x3 - Round15(x3)},
       {"x*1", none, x3, ok, x3},  // a single use takes XValue exactly
-      {"sgm(j*x,1,3,j)", none, 2, ok, 12}, {"sgm(j*x,1,3,j)", none, 0.5, ok, 3},
+      {"sgm(j*x,1,3,j)", none, 2, ok, 12}, {"sgm(j*x,1,3,j)", none, 0.5, ok, 3}, {"exp(x)", none, 1000, fault, none},
       {"x+integ(t,0,b,10)", none, 2, ok, 14.5}, {"1/x", none, 0, error, none, {11}},
-      {"exp(x)", none, 1000, fault, none},
   };
   for (const Row& r : rows) {
     const bool ofX = std::isnan(r.y);
@@ -242,9 +240,8 @@ TEST(ToolCode, PointsReachValuesErrorsAndFaults) {
     else runner.sampler.substitute("y", r.y);
     Outcome o = runner.point(
         [&](double& out) { return ofX ? runner.sampler.at(r.x, out) : runner.sampler.atSubstituted(r.x, out); });
-    EXPECT_EQ(o.status, r.status) << r.formula;
-    EXPECT_EQ(o.shown, r.shown) << r.formula;
-    EXPECT_EQ(o.error, r.status == error ? 1 : 0) << r.formula;
+    EXPECT_EQ(std::tuple(o.status, o.shown, o.error), std::tuple(r.status, r.shown, r.status == error ? 1 : 0))
+        << r.formula;
     EXPECT_TRUE(std::isnan(r.value) || std::bit_cast<double>(o.bits) == r.value) << r.formula;
     EXPECT_EQ(runner.host.prompts.size(), std::string(r.formula).find("integ") != std::string::npos) << r.formula;
     EXPECT_TRUE(runner.host.faults.empty());
@@ -336,10 +333,9 @@ TEST(Job, AToolRunsOnACopyOfTheEngineAndStopsAtItsNextRow) {
       job.requestStop();
     }
     while (!job.finished()) std::this_thread::yield();
-    EXPECT_EQ(result.end, r.end) << r.formula;
     std::vector<int> errors;
     for (const JobHost::Message& m : host.messages()) errors.push_back(m.code);
-    EXPECT_EQ(errors, r.errors) << r.formula;
+    EXPECT_EQ(std::tuple(result.end, errors), std::tuple(r.end, r.errors)) << r.formula;
     EXPECT_TRUE(r.end != IntegrationEnd::kCompleted ||
                 (std::fabs(*result.value - 1.25) < 1e-12 && job.progress().done == job.progress().total));
   }

@@ -201,8 +201,7 @@ TEST(UserFunctions, RunsAreStoppedAndKeepTheirFunctionTable) {
        {std::pair{"g(32)", 50}, {"g(32)", 1}, {"sgm(g(j),1,32,j)", 50}, {"2*g(20)+1", 500}}) {
     test::StoppingHost host;
     Engine e(host);
-    ASSERT_TRUE(e.RegisterFormula("h(n)=sgm(g(k),0,n,k)"));
-    ASSERT_TRUE(e.RegisterFormula("g(x)=h(x-1)/1"));
+    ASSERT_TRUE(e.RegisterFormula("h(n)=sgm(g(k),0,n,k)") && e.RegisterFormula("g(x)=h(x-1)/1"));
     host.engine = &e;
     host.stopAt = stopAfter;
     EXPECT_FALSE(Calc(e, formula)) << formula;
@@ -218,8 +217,7 @@ TEST(UserFunctions, RunsAreStoppedAndKeepTheirFunctionTable) {
     }
   } host;
   Engine e(host);
-  ASSERT_TRUE(e.RegisterFormula("sq(x)=x*x"));
-  ASSERT_TRUE(e.RegisterFormula("s(n)=sgm(sq(k),1,n,k)"));
+  ASSERT_TRUE(e.RegisterFormula("sq(x)=x*x") && e.RegisterFormula("s(n)=sgm(sq(k),1,n,k)"));
   host.engine = &e;
   EXPECT_EQ(Calc(e, "s(100)+sq(2)"), "338354");  // long enough for a checkpoint
   EXPECT_FALSE(host.changed);
@@ -232,10 +230,8 @@ TEST(UserFunctions, RunsAreStoppedAndKeepTheirFunctionTable) {
 // line; a binary store loads what it can; a stale temporary is gone after the next save.
 TEST(Store, SettingsAndHostileFiles) {
   test::TempDirScope dir;
-  const std::pair<const char*, int16_t> rows[] = {{"Japanese\r\n", 2}, {"English\r\n", 1}, {"japanese\r\n", 1},
-                                                  {"Japanese", 2},     {"", 1},            {"French\r\n", 1},
-                                                  {"Japanese,x\r\n", 1}};
-  for (const auto& [contents, language] : rows) {
+  for (auto [contents, language] : {std::pair{"Japanese\r\n", 2}, {"English\r\n", 1}, {"japanese\r\n", 1},
+                                    {"Japanese", 2}, {"", 1}, {"French\r\n", 1}, {"Japanese,x\r\n", 1}}) {
     std::ofstream("MERIDA.DEF", std::ios::binary) << contents;
     EXPECT_EQ(ReadDisplayLanguage(".", 1), language) << contents;
   }
@@ -256,15 +252,13 @@ TEST(Store, SettingsAndHostileFiles) {
   std::filesystem::create_symlink("/proc/self/mem", "MERIDA.DAT");
   EXPECT_EQ(StoreLoadNotice(LoadUserFunctions(e, ".")), "cannot read MERIDA.DAT: Input/output error");
   EXPECT_FALSE(SaveUserFunctions(e, ".")) << "a store that cannot be read is not saved over";
-  EXPECT_TRUE(std::filesystem::is_symlink("MERIDA.DAT"));
-  EXPECT_TRUE(host.errors.empty());
+  EXPECT_TRUE(std::filesystem::is_symlink("MERIDA.DAT") && host.errors.empty());
   // 2 GB of nothing after the first line, without the disk space: only the line is read.
   std::filesystem::remove("MERIDA.DEF");
   std::ofstream("MERIDA.DEF", std::ios::binary) << "Japanese\r\n";
   std::filesystem::resize_file("MERIDA.DEF", uint64_t{2} << 30);
   EXPECT_EQ(ReadDisplayLanguage(".", 1), 2);
-  std::filesystem::remove("MERIDA.DEF");
-  std::filesystem::remove("MERIDA.DAT");
+  for (const char* name : {"MERIDA.DEF", "MERIDA.DAT"}) std::filesystem::remove(name);
   std::string junk;
   for (int i = 0; i < 4096; ++i) junk += static_cast<char>((i * 7919) % 256);
   std::ofstream("MERIDA.DAT", std::ios::binary) << junk;
@@ -306,8 +300,7 @@ TEST_F(AtomicFileTest, NewFilesFollowTheUmaskReplacedFilesKeepTheirMode) {
     FileResult written = WriteFileAtomically("MERIDA.DAT", "new\r\n");
     ::umask(previous);
     ASSERT_TRUE(written) << written.error;
-    EXPECT_EQ(ModeOf("MERIDA.DAT"), expected);
-    EXPECT_EQ(test::FileText("MERIDA.DAT"), "new\r\n");
+    EXPECT_EQ(std::tuple(ModeOf("MERIDA.DAT"), test::FileText("MERIDA.DAT")), std::tuple(expected, "new\r\n"));
   }
 }
 
@@ -329,17 +322,15 @@ TEST_F(AtomicFileTest, LinksAreFollowedAndRefusalsChangeNothing) {
       {"MERIDA.DEF", "", "data/new.def"},   {"missing/MERIDA.DAT", "No such file or directory", ""},
       {"data", "Is a directory", ""},       {"fifo", "not a regular file", ""},
       {"null", "not a regular file", ""},  // never a device, even when root may write it
-      {"loop", "Too many levels of symbolic links", ""},
+      {"loop", "Too many levels of symbolic links", ""}, {"to-readonly", "the file is read-only", "readonly"},
       {"readonly", "the file is read-only", "readonly"},  // even to root, as the mode says
-      {"to-readonly", "the file is read-only", "readonly"},
   };
   for (const auto& [path, error, real] : rows) {
     EXPECT_EQ(WriteFileAtomically(path, "new").error, error) << path;
     EXPECT_TRUE(!*real || test::FileText(real) == std::string(*error ? "old" : "new")) << path;
   }
-  EXPECT_EQ(ModeOf("data/store.dat"), 0640u);
-  EXPECT_EQ(ModeOf("readonly"), 0444u);
-  EXPECT_EQ(std::filesystem::read_symlink("ORBITA.ORB"), "link2");
+  EXPECT_EQ(std::tuple(ModeOf("data/store.dat"), ModeOf("readonly"), std::filesystem::read_symlink("ORBITA.ORB")),
+            std::tuple(0640u, 0444u, std::filesystem::path("link2")));
   EXPECT_TRUE(std::filesystem::is_fifo("fifo") && std::filesystem::is_character_file("/dev/null"));
 }
 
@@ -366,8 +357,8 @@ TEST_F(AtomicFileTest, LinksPlantedByAnotherUserInAStickyDirectoryAreNotFollowed
     std::ofstream("victim") << "precious";
     FileResult w = WriteFileAtomically("shared/out.wav", "new");
     EXPECT_EQ(static_cast<bool>(w), followed) << w.error;
-    EXPECT_EQ(test::FileText("victim"), followed ? "new" : "precious");
-    EXPECT_TRUE(std::filesystem::is_symlink("shared/out.wav"));
+    EXPECT_EQ(std::tuple(test::FileText("victim"), std::filesystem::is_symlink("shared/out.wav")),
+              std::tuple(followed ? "new" : "precious", true));
   }
 }
 

@@ -15,17 +15,14 @@ TEST(CriticalValues, LookupsAndInterpolation) {
     int level, nu1, nu2;
     float expected;
   } cases[] = {
-      {'t', 5, 9, 0, 2.262f},     {'t', 5, 29, 0, 2.045f},     {'t', 5, 30, 0, 2.042f},
-      {'t', 5, 35, 0, 2.0315f},   {'t', 1, 50, 0, 2.682f},     {'t', 5, 90, 0, 1.990f},
-      {'t', 5, 119, 0, 1.9803333f}, {'t', 5, 120, 0, 1.95996f}, {'t', 5, 150, 0, 1.95996f},
-      {'t', 1, kInfiniteFreedom, 0, 2.57582f},                  {'c', 5, 12, 0, 21.0f},
-      {'c', 5, 45, 0, 61.65f},    {'c', 1, 30, 0, 50.9f},      {'c', 5, 99, 0, 124.3f - (124.3f - 113.1f) * 0.1f},
-      {'c', 5, 100, 0, 124.3f},   {'c', 1, 1000, 0, 135.8f},   {'F', 5, 1, 1, 161.4f},
-      {'F', 1, 2, 2, 99.01f},     {'F', 1, 1, 30, 7.56f},      {'F', 5, 10, 20, 2.365f},
-      {'F', 5, 7, 10, 3.145f},    {'F', 5, 24, 5, 4.53f},      {'F', 5, 44, 5, 4.53f},
-      {'F', 5, 45, 5, 4.36f},     {'F', 1, 49, 5, 9.47f},      {'F', 1, 50, 5, 9.02f},
-      {'F', 5, 1, 35, 4.125f},    {'F', 5, 1, 199, 3.92f},     {'F', 5, 1, 200, 3.84f},
-      {'F', 5, 10, 35, 2.135f},
+      {'t', 5, 9, 0, 2.262f}, {'t', 5, 29, 0, 2.045f}, {'t', 5, 30, 0, 2.042f}, {'t', 5, 35, 0, 2.0315f},
+      {'t', 1, 50, 0, 2.682f}, {'t', 5, 90, 0, 1.990f}, {'t', 5, 119, 0, 1.9803333f}, {'t', 5, 120, 0, 1.95996f},
+      {'t', 5, 150, 0, 1.95996f}, {'t', 1, kInfiniteFreedom, 0, 2.57582f}, {'c', 5, 12, 0, 21.0f},
+      {'c', 5, 45, 0, 61.65f}, {'c', 1, 30, 0, 50.9f}, {'c', 5, 99, 0, 124.3f - (124.3f - 113.1f) * 0.1f},
+      {'c', 5, 100, 0, 124.3f}, {'c', 1, 1000, 0, 135.8f}, {'F', 5, 1, 1, 161.4f}, {'F', 1, 2, 2, 99.01f},
+      {'F', 1, 1, 30, 7.56f}, {'F', 5, 10, 20, 2.365f}, {'F', 5, 7, 10, 3.145f}, {'F', 5, 24, 5, 4.53f},
+      {'F', 5, 44, 5, 4.53f}, {'F', 5, 45, 5, 4.36f}, {'F', 1, 49, 5, 9.47f}, {'F', 1, 50, 5, 9.02f},
+      {'F', 5, 1, 35, 4.125f}, {'F', 5, 1, 199, 3.92f}, {'F', 5, 1, 200, 3.84f}, {'F', 5, 10, 35, 2.135f},
   };
   for (const Case& c : cases) {
     float v = c.table == 't'   ? CriticalT(c.level, c.nu1)
@@ -60,12 +57,7 @@ class HypothesisTest : public test::EngineTest {
   // "statistic critical conclusion", or "error N".
   std::string run(TestKind kind, std::array<std::string, 6> boxes, int level = 5, const char* column = nullptr) {
     host.errors.clear();
-    TestInput in;
-    in.boxes = std::move(boxes);
-    in.level = level;
-    in.record = column != nullptr;
-    in.column = column ? column : "";
-    result = RunTest(engine, table, kind, in);
+    result = RunTest(engine, table, kind, TestInput{std::move(boxes), level, column != nullptr, column ? column : ""});
     if (!result) return "error " + std::to_string(host.errors.size() == 1 ? host.errors[0] : -1);
     return result->statisticBox + " " + result->criticalBox + " " + result->conclusion;
   }
@@ -117,8 +109,7 @@ TEST_F(HypothesisTest, TypedBoxes) {
       {kVariance, {"", "-2", "5", "", "3", "10"}, 5, "error 46"},
       {kVariance, {"", "2", "", "", "3", "10"}, 5, "error 46"},
       // Chi-square .6 of the table against the point for the freedom of the class and row counts.
-      {kChi, {"", "", "3", "", "", ""}, 5, ".6 5.99" + kFits},
-      {kChi, {"", "", "", "", "", "4"}, 5, ".6 7.81" + kFits},
+      {kChi, {"", "", "3", "", "", ""}, 5, ".6 5.99" + kFits}, {kChi, {"", "", "", "", "", "4"}, 5, ".6 7.81" + kFits},
       {kChi, {"", "", "3", "", "", "-2"}, 5, ".6 5.99" + kFits},
       {kChi, {"", "", "3", "", "", "4"}, 5, ".6 12.59" + kFits},
       {kChi, {"", "", "0", "", "", ""}, 5, "error 48"},          {kChi, {"", "", "1", "", "", ""}, 5, "error 48"},

@@ -68,13 +68,10 @@ TEST_F(StatisticsTest, MedianModeMeanAndVariance) {
   // n = 4 picks k = 2 (2.5 to even), n = 6 picks k = 4: both partners of the mean are found.
   // The mode is the middle of the lowest of the fullest classes; the variance divides by n.
   const std::tuple<std::vector<float>, std::string> cases[] = {
-      {{1, 2, 3, 4}, "2.5 1.015 2.5 1.25"},
-      {{5, 1, 3}, "3. 1.02 3. 2.66667"},
-      {{6, 5, 4, 3, 2, 1}, "3.5 1.025 3.5 2.91667"},
-      {{9, 1, 9, 1, 5, 5}, "5. 1.04 5. 10.66667"},
-      {{7}, "7. 7. 7. ."},
-      {{4, 4, 4}, "4. 4. 4. ."},                   // a constant column is one class
-      {{-3e38f, 3e38f, 0, 1}, ".5  .25 "},         // a range beyond floats has no mode or variance
+      {{1, 2, 3, 4}, "2.5 1.015 2.5 1.25"}, {{5, 1, 3}, "3. 1.02 3. 2.66667"}, {{7}, "7. 7. 7. ."},
+      {{6, 5, 4, 3, 2, 1}, "3.5 1.025 3.5 2.91667"}, {{9, 1, 9, 1, 5, 5}, "5. 1.04 5. 10.66667"},
+      {{4, 4, 4}, "4. 4. 4. ."},            // a constant column is one class
+      {{-3e38f, 3e38f, 0, 1}, ".5  .25 "},  // a range beyond floats has no mode or variance
   };
   for (const auto& [values, boxes] : cases) {
     column(values);
@@ -190,19 +187,15 @@ TEST(StatDataTest, DimensionAndCountAreRoundedAndCapped) {
   RecordFunctionTable t;
   StatData d(t, false);
   d.enterDimension("2");
-  const std::pair<const char*, int> dims[] = {{"5", 3}, {"2.5", 2}, {"0", 2}, {" 3", 3}, {"1e9", 3}, {"1.6", 2}};
-  for (auto [text, value] : dims) {
-    EXPECT_EQ(d.enterDimension(text), std::to_string(value)) << text;
-    EXPECT_EQ(d.dimension(), value) << text;
-  }
-  const std::pair<const char*, int> counts[] = {{"6000", 5000}, {"10", 10}, {"-4", 10}, {"3.5", 4}};
-  for (auto [text, value] : counts) {
-    EXPECT_EQ(d.enterCount(text), std::to_string(value)) << text;
-    EXPECT_EQ(d.count(), value) << text;
+  const std::tuple<bool, const char*, int> cases[] = {  // dimension or count, text, value
+      {true, "5", 3},        {true, "2.5", 2}, {true, "0", 2},    {true, " 3", 3},   {true, "1e9", 3}, {true, "1.6", 2},
+      {false, "6000", 5000}, {false, "10", 10}, {false, "-4", 10}, {false, "3.5", 4}};
+  for (auto [dimension, text, value] : cases) {
+    EXPECT_EQ(dimension ? d.enterDimension(text) : d.enterCount(text), std::to_string(value)) << text;
+    EXPECT_EQ(dimension ? d.dimension() : d.count(), value) << text;
   }
 }
 
-// The current cell as row * 10 + column.
 int Current(const StatData& d) { return d.row() * 10 + d.column(); }
 
 TEST(StatDataTest, EnterClickAndTypeMoveTheCurrentCell) {

@@ -188,9 +188,7 @@ const WindowRow kWindows[] = {
     {"PadWindow", "main/pad_window.ui", nullptr, nullptr, {}, {}},
     {"SimultWindow", "algebra/simult_window.ui", "Text1", "Text2", Fill({{"Text2", "5"}}), FirstCell("5"),
      [](GuiTest& t, QWidget* w) {  // after the 5: 5x + y + z = 10, 2x - y + z = 3, x + 2y - z = 2
-       for (const char* v : {"1", "1", "10", "2", "-1", "1", "3", "1", "2", "-1", "2"}) {
-         GuiTest::enter(GuiTest::child<QLineEdit>(w, "Text2"), v);
-       }
+       for (const char* v : {"1", "1", "10", "2", "-1", "1", "3", "1", "2", "-1", "2"}) GuiTest::enter(w->findChild<QLineEdit*>("Text2"), v);
        t.click(w, "Command1");
      }},
     {"MatrixWindow", "algebra/simult_window.ui", "Text1", "Text2", Fill({{"Text2", "5"}}), FirstCell("5"),
@@ -222,7 +220,7 @@ const WindowRow kWindows[] = {
        t.recordRows(rows);
        QEvent activate(QEvent::WindowActivate);  // the record table's state, as on coming to the front
        QApplication::sendEvent(w, &activate);
-       Run({{"Text1", "2"}}, {"Command1", "Command2"})(t, w);
+       Run({{"Text1", "2"}}, {"Command1", "Command2"})(t, w);  // then the regression of column 2 on 1
        Run({{"Text1", "1"}}, {"Command3"})(t, w);
      }},
     {"MultRegWindow", "stats/multreg_window.ui", "Text1", nullptr, {}, {}},

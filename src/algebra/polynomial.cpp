@@ -362,7 +362,7 @@ PolyResult PolynomialTools::seek(std::string_view formula, std::string_view tole
   }
   std::optional<double> tolerance = ReadNumber(toleranceBox);
   if (!tolerance) {
-    engine_->EndSilently("the tolerance must be a number (not \"" + std::string(Trim(toleranceBox)) + "\")");
+    engine_->EndSilently("the tolerance must be a number (not \"" + std::string(Trim(toleranceBox)) + "\")", "Text7");
     return end(PolyEnd::kSilent);
   }
   integerTolerance_ = *tolerance;
@@ -510,7 +510,8 @@ PolyResult PolynomialTools::factor(std::string_view polynomialBox, std::string_v
   }
   std::optional<double> v = ReadNumber(polynomialBox);
   if (!v) {
-    engine_->EndSilently("the root to divide by must be a number (not \"" + std::string(Trim(polynomialBox)) + "\")");
+    engine_->EndSilently("the root to divide by must be a number (not \"" + std::string(Trim(polynomialBox)) + "\")",
+                         "Text6");
     return end(PolyEnd::kSilent);
   }
   if (workDegree_ == 0) {

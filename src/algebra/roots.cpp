@@ -54,11 +54,11 @@ std::optional<Range> ReadRange(Engine& engine, AppState& state, const RootBoxes&
   std::optional<int16_t> n = ReadCountBox(boxes.num);
   if (n) state.DivisionCount = *n;
   if (!n || *n < 1) {
-    engine.EndSilently(CountReason("the number of divisions", boxes.num, 1, 32767));
+    engine.EndSilently(CountReason("the number of divisions", boxes.num, 1, 32767), "Text3");
     return std::nullopt;
   }
   if (!(g.start < g.end)) {
-    engine.EndSilently("the start of the range must be below its end");
+    engine.EndSilently("the start of the range must be below its end", "Text1");
     return std::nullopt;
   }
   g.n = *n;
@@ -69,7 +69,7 @@ std::optional<Range> ReadRange(Engine& engine, AppState& state, const RootBoxes&
   }
   std::optional<double> judge = ReadNumber(boxes.judge);
   if (!judge) {
-    engine.EndSilently("the judge value must be a number (not \"" + std::string(Trim(boxes.judge)) + "\")");
+    engine.EndSilently("the judge value must be a number (not \"" + std::string(Trim(boxes.judge)) + "\")", "Text4");
     return std::nullopt;
   }
   g.judge = *judge;

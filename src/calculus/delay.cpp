@@ -47,7 +47,7 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
   }
   std::optional<double> steps = ReadNumber(stepBox);
   if (!steps || !std::isfinite(*steps)) {
-    engine.EndSilently("the number of steps must be a number (not \"" + std::string(Trim(stepBox)) + "\")");
+    engine.EndSilently("the number of steps must be a number (not \"" + std::string(Trim(stepBox)) + "\")", "Text1");
     return Ended(engine, r, DelayEnd::kSilent);
   }
   // Counts beyond 16 bits are capped like any count above the limit.
@@ -78,7 +78,8 @@ DelayResult RunDelay(Engine& engine, AppState& state, std::string_view formula, 
     const std::string& cell = row <= static_cast<int>(initialCells.size()) ? initialCells[row - 1] : std::string();
     if (cell.find_first_not_of(' ') == std::string::npos) {
       engine.EndSilently("the formula reaches back " + std::to_string(K) + " steps: initial value " +
-                         std::to_string(row) + " is empty");
+                         std::to_string(row) + " is empty",
+                         "Text2");
       return Ended(engine, r, DelayEnd::kSilent);
     }
     history[Position(row - 1, K)] = ReadLenient(cell);

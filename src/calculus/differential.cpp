@@ -37,7 +37,7 @@ std::optional<Fields> Setup(Engine& engine, const DiffBoxes& boxes, DiffResult& 
   engine.CancelFlag = false;
   r.end = DiffEnd::kSilent;
   if (!IsDiffVariableName(boxes.var)) {
-    engine.EndSilently("the variable's name \"" + boxes.var + "\" may hold only letters, digits and \"_\"");
+    engine.EndSilently("the variable's name \"" + boxes.var + "\" may hold only letters, digits and \"_\"", "Text1");
     return std::nullopt;
   }
   Fields f;
@@ -81,7 +81,8 @@ PointStatus Compile(Engine& engine, FormulaSampler& sampler, std::string_view fo
 std::optional<double> StepCount(Engine& engine, const Fields& f) {
   const double q = (f.end - f.start) / f.h;
   if (!std::isfinite(q) || q < 0) {
-    engine.EndSilently("the width must step from the start of the range to its end (not 0, and of the same sign)");
+    engine.EndSilently("the width must step from the start of the range to its end (not 0, and of the same sign)",
+                       "Text2");
     return std::nullopt;
   }
   return std::floor(q) + 1;
@@ -146,7 +147,7 @@ DiffResult Derivative(Engine& engine, AppState& state, std::string_view formula,
   FormulaSampler sampler(engine);
   if (PointStatus s = Compile(engine, sampler, formula, {}, f.start); s != PointStatus::kOk) return Ended(engine, r, EndOf(s));
   std::optional<double> count = StepCount(engine, f);
-  if (count && *count < 2) engine.EndSilently("the range must hold at least two widths");
+  if (count && *count < 2) engine.EndSilently("the range must hold at least two widths", "Text2");
   if (!count || *count < 2) return Ended(engine, r, DiffEnd::kSilent);
   const int n = static_cast<int>(std::min(*count, double{kMaxDiffPoints}));
   const double h = f.h;
@@ -354,7 +355,8 @@ DiffResult RunSimult(Engine& engine, AppState& state, std::string_view formula, 
   std::optional<Fields> f = Setup(engine, boxes, r);
   if (!f) return r;
   if (!IsDiffVariableName(boxes.var2)) {
-    engine.EndSilently("the second variable's name \"" + boxes.var2 + "\" may hold only letters, digits and \"_\"");
+    engine.EndSilently("the second variable's name \"" + boxes.var2 + "\" may hold only letters, digits and \"_\"",
+                       "Text8");
     return Ended(engine, r, DiffEnd::kSilent);
   }
   state.DiffMode = kDiffRungeKutta;

@@ -51,14 +51,15 @@ struct Limits {
 // The divisions and limits a rule can use (at least `least` divisions, a below b); otherwise
 // false, with the reason given to the engine.
 bool UsableRange(Engine& engine, std::optional<double> count, std::string_view box, double least, const Limits& l,
-                 const char* which) {
+                 const char* which, const char* countBox, const char* minBox) {
   if (!count || *count < least) {
     engine.EndSilently(std::string("the number of ") + which + "divisions must be a whole number of at least " +
-                       std::to_string(static_cast<int>(least)) + " (not \"" + std::string(Trim(box)) + "\")");
+                       std::to_string(static_cast<int>(least)) + " (not \"" + std::string(Trim(box)) + "\")",
+                       countBox);
     return false;
   }
   if (!(l.a < l.b)) {
-    engine.EndSilently(std::string("the lower limit of the ") + which + "range must be below the upper limit");
+    engine.EndSilently(std::string("the lower limit of the ") + which + "range must be below the upper limit", minBox);
     return false;
   }
   return true;
@@ -88,7 +89,7 @@ IntegrationResult IntegrateSingle(Engine& engine, AppState& state, std::string_v
   std::optional<Limits> l = ReadLimits(engine, boxes);
   if (!l) return Ended(engine, state, r, engine.FaultFlag ? IntegrationEnd::kFault : IntegrationEnd::kError);
   std::optional<double> count = ReadDivisions(boxes.num);
-  if (!UsableRange(engine, count, boxes.num, 1, *l, "")) return Ended(engine, state, r, IntegrationEnd::kSilent);
+  if (!UsableRange(engine, count, boxes.num, 1, *l, "", "Text3", "Text1")) return Ended(engine, state, r, IntegrationEnd::kSilent);
   double n = *count;
   if (std::fmod(n, 2) != 0) {
     n += 1;
@@ -155,11 +156,11 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
     double a, b, n;
   };
   auto read = [&](const RangeBoxes& boxes, std::optional<std::string>& box, const char* which,
-                  const char* boxName) -> std::optional<Range> {
+                  const char* boxName, const char* minBox) -> std::optional<Range> {
     std::optional<Limits> l = ReadLimits(engine, boxes);
     if (!l) return std::nullopt;
     std::optional<double> count = ReadDivisions(boxes.num);
-    if (!UsableRange(engine, count, boxes.num, 2, *l, which)) return std::nullopt;
+    if (!UsableRange(engine, count, boxes.num, 2, *l, which, boxName, minBox)) return std::nullopt;
     double n = *count;
     if (std::fmod(n, 2) != 0) n += 1;
     if (n > kMaxIntegrationDivisions) {
@@ -169,8 +170,8 @@ IntegrationResult IntegrateDouble(Engine& engine, AppState& state, std::string_v
     }
     return Range{l->a, l->b, n};
   };
-  std::optional<Range> r1 = read(first, r.numBox, "first ", "Text3");
-  std::optional<Range> r2 = r1 ? read(second, r.numBox2, "second ", "Text6") : std::nullopt;
+  std::optional<Range> r1 = read(first, r.numBox, "first ", "Text3", "Text1");
+  std::optional<Range> r2 = r1 ? read(second, r.numBox2, "second ", "Text6", "Text4") : std::nullopt;
   if (!r1 || !r2) {
     if (engine.failed()) return Ended(engine, state, r, engine.FaultFlag ? IntegrationEnd::kFault : IntegrationEnd::kError);
     return Ended(engine, state, r, IntegrationEnd::kSilent);

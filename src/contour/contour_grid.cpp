@@ -26,11 +26,13 @@ std::optional<AxisRange> ReadAxis(Engine& engine, const char* axis, const std::s
   if (engine.failed()) return std::nullopt;
   std::optional<int16_t> n = ReadCountBox(divisionsBox);
   if (!n || *n < 1) {
-    engine.EndSilently(CountReason(std::string("the number of ") + axis + " divisions", divisionsBox, 1, 32767));
+    engine.EndSilently(CountReason(std::string("the number of ") + axis + " divisions", divisionsBox, 1, 32767),
+                       axis[0] == 'x' ? "Text3" : "Text6");
     return std::nullopt;
   }
   if (!(a.min < a.max)) {
-    engine.EndSilently(std::string("the start of the ") + axis + " range must be below its end");
+    engine.EndSilently(std::string("the start of the ") + axis + " range must be below its end",
+                       axis[0] == 'x' ? "Text1" : "Text4");
     return std::nullopt;
   }
   a.divisions = *n;

@@ -30,7 +30,7 @@ LevelsResult ReadLevels(Engine& engine, const LevelBoxes& boxes) {
   if (engine.failed()) return out;
   std::optional<int16_t> step = ReadCountBox(boxes.step);
   if (!step || *step < 1) {
-    engine.EndSilently(CountReason("the level step", boxes.step, 1, 32767));
+    engine.EndSilently(CountReason("the level step", boxes.step, 1, 32767), "Text9");
     return out;
   }
   Levels levels{lowest, highest, static_cast<double>(*step)};
@@ -39,7 +39,7 @@ LevelsResult ReadLevels(Engine& engine, const LevelBoxes& boxes) {
     out.stepBox = std::to_string(kMaxLevelStep);
   }
   if (!(lowest < highest)) {
-    engine.EndSilently("the lowest level must be below the highest, once both are rounded to whole numbers");
+    engine.EndSilently("the lowest level must be below the highest, once both are rounded to whole numbers", "Text7");
     return out;
   }
   out.levels = levels;

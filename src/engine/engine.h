@@ -170,9 +170,14 @@ class Engine {
   void Fail(int code);
   const std::string& currentMessage() const { return currentMessage_; }
   // Why a tool's action ended without a message, in a line of English ("the start is not below
-  // the end"): the window shows nothing, by its rules; the command line says it.
-  void EndSilently(std::string why) { silentReason_ = std::move(why); }
+  // the end"), and the box at fault by its control's name ("Text3") when one is: the window's
+  // rules show nothing; its status line and the command line say it.
+  void EndSilently(std::string why, std::string box = {}) {
+    silentReason_ = std::move(why);
+    silentBox_ = std::move(box);
+  }
   const std::string& silentReason() const { return silentReason_; }
+  const std::string& silentBox() const { return silentBox_; }
 
   SavedProgram SaveProgram(int16_t n) const;
   void RestoreProgram(const SavedProgram& saved);
@@ -294,7 +299,7 @@ class Engine {
 
   EngineHost* host_;
   std::string currentMessage_;
-  std::string silentReason_;
+  std::string silentReason_, silentBox_;
   uint64_t identityCounter_ = 0;
   int evalDepth_ = 0;
   std::vector<std::unique_ptr<CompiledCode>> code_;  // one per evaluation depth

@@ -44,13 +44,13 @@ std::optional<PlotRange> ReadRange(Engine& engine, AppState& state, const GraphB
   std::optional<int16_t> n = ReadCountBox(boxes.divisions);
   out.end = PlotEnd::kSilent;
   if (!n || *n < 1) {
-    engine.EndSilently(CountReason("the number of divisions", boxes.divisions, 1, 32767));
+    engine.EndSilently(CountReason("the number of divisions", boxes.divisions, 1, 32767), "Text3");
     if (n) state.DivisionCount = *n;
     return std::nullopt;
   }
   state.DivisionCount = *n;
   if (!(r.start < r.end)) {
-    engine.EndSilently("the start of the range must be below its end");
+    engine.EndSilently("the start of the range must be below its end", "Text1");
     return std::nullopt;
   }
   r.n = *n;

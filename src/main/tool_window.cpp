@@ -241,6 +241,11 @@ void ToolWindow::reportSilentEnd(const Engine& engine) {
   if (!why.empty()) {
     showStatus(tr("Nothing done: %1").arg(QString::fromStdString(why)));
     silentShown_ = true;
+    // The box at fault is selected, ready to be typed over.
+    if (auto* box = findChild<QLineEdit*>(QString::fromStdString(engine.silentBox())); box && box->window() == this) {
+      box->setFocus();
+      box->selectAll();
+    }
   } else if (silentShown_) {
     showStatus(QString());
     silentShown_ = false;

@@ -117,10 +117,12 @@ void FftWindow::go() {
         *job = std::make_unique<FrequencyAnalysis>(run.engine, run.state, analysis_);
         *result = (*job)->go(formula, boxes, source);
       },
-      [this, job, result](ToolRun&) {
+      [this, job, result, status](ToolRun&) {
         analysis_.takeResultsFrom(**job);
         if (result->numBox) Text3->setText(QString::fromStdString(*result->numBox));
+        // A refused run calculated nothing: "Now Calculating" would stay on as a falsehood.
         if (result->end == FftEnd::kDone) setStatus(FftStatus::kFinished);
+        else Label3->setText(status);
       },
       [this, status] { Label3->setText(status); }, JobWrites::kRecordTable);
 }

@@ -83,14 +83,15 @@ FftGoResult FrequencyAnalysis::go(std::string_view formula, const FftBoxes& boxe
     std::optional<int> n = FrameLength(boxes.num);
     if (!n) {
       engine_.EndSilently("the number of points must be a number of at least 1 (not \"" + std::string(Trim(boxes.num)) +
-                          "\")");
+                              "\")",
+                          "Text3");
       return FftEnd::kSilent;
     }
     n_ = *n;
     r.numBox = std::to_string(n_);
     engine_.host().showBox("Text3", *r.numBox);
     if (!(t0 < t1)) {
-      engine_.EndSilently("the start of the range must be below its end");
+      engine_.EndSilently("the start of the range must be below its end", "Text1");
       return FftEnd::kSilent;
     }
     return std::nullopt;

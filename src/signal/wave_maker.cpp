@@ -47,12 +47,12 @@ WaveResult MakeWave(Engine& engine, std::string_view formula, const WaveBoxes& b
   const double dt = 1.0 / kWaveSampleRate;
   const double steps = std::nearbyint((t1 - t0) / dt);
   if (!(t1 > t0)) {
-    engine.EndSilently("the end time is not after the start time");
+    engine.EndSilently("the end time is not after the start time", "Text2");
     return Failed(engine, WaveEnd::kSilent);
   }
   const int n = steps >= kMaxWaveSamples ? kMaxWaveSamples : static_cast<int>(steps);
   if (n < 1) {
-    engine.EndSilently("the time range is shorter than half a sample (1/22050 s)");
+    engine.EndSilently("the time range is shorter than half a sample (1/22050 s)", "Text2");
     return Failed(engine, WaveEnd::kSilent);
   }
   if (sampling) sampling();

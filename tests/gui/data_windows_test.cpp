@@ -93,10 +93,8 @@ TEST_F(LoadTest, LoadShowsTheFileInItsBoxesAndTheTableAndRefusesBadFiles) {
     if (*box) AnswerNextBox(QMessageBox::Ok, &seen);
     load(name, contents);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !*box || !seen.isEmpty(); }, 5000));
-    EXPECT_EQ(w->Text1->text(), shown) << name;
-    EXPECT_EQ(std::pair(t.kind, t.values[1][0]), std::pair(int16_t{NoData}, 7.0f)) << name;
-    EXPECT_EQ(errorText().toStdString(), error) << name;
-    EXPECT_EQ(seen.value(1).toStdString(), box) << name;
+    EXPECT_EQ(std::tuple(w->Text1->text(), t.kind, t.values[1][0], errorText().toStdString(), seen.value(1).toStdString()),
+              std::tuple(shown, int16_t{NoData}, 7.0f, std::string(error), std::string(box))) << name;
     // No number of an earlier load stays to suggest that data are loaded.
     EXPECT_TRUE(w->statusLine()->text().startsWith("Not loaded") && w->Text4->text().isEmpty()) << name;
     if (*error) acknowledgeError();

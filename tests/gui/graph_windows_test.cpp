@@ -20,20 +20,14 @@ namespace {
 
 class GraphTest : public GuiTest {
  public:
-  void SetUp() override {
-    GuiTest::SetUp();
-    start();
-    g = open<GraphWindow>();
-  }
+  void SetUp() override { GuiTest::SetUp(), start(), g = open<GraphWindow>(); }
   // Fills the boxes, presses the button and lets the chart lay itself out.
   void plot(QPushButton* button, const char* formula, const char* min, const char* max, const char* num) {
     fill(g, {{"formula", formula}, {"Text1", min}, {"Text2", max}, {"Text3", num}});
     ClickAndWait(button);
     Settle();
   }
-  static void Settle() {
-    for (int k = 0; k < 5; ++k) QCoreApplication::processEvents();
-  }
+  static void Settle() { for (int k = 0; k < 5; ++k) QCoreApplication::processEvents(); }
   GraphWindow* g = nullptr;
 };
 
@@ -49,8 +43,7 @@ TEST_F(GraphTest, GoLogAndDataShowThePointsAndErrorsKeepThem) {
   EXPECT_EQ(Drawn(g->Graph1), (QList<QPointF>{{1, 1}, {2, 8}}));
   EXPECT_EQ(std::tuple(g->Graph1->points(1).size(), x->min(), x->max()), std::tuple(5, min, max));
   ClickAndWait(g->Command1);  // Go returns to the linear axis
-  EXPECT_TRUE(!log->isVisible() && qobject_cast<QValueAxis*>(g->Graph1->verticalAxis()) &&
-              Drawn(g->Graph1).size() == 5);
+  EXPECT_TRUE(!log->isVisible() && qobject_cast<QValueAxis*>(g->Graph1->verticalAxis()) && Drawn(g->Graph1).size() == 5);
   click(g, "Command8");
   auto* data = qobject_cast<StatDataWindow*>(window("StatDataWindow"));
   ASSERT_NE(data, nullptr);
@@ -148,6 +141,21 @@ TEST_F(GuiTest, ChartRangesReadoutZoomAndExport) {
   QTest::mouseDClick(chart.viewport(), Qt::LeftButton, {}, at);
   EXPECT_EQ(std::tuple(chart.zoomed(), x->min(), x->max()), std::tuple(false, 0.0, 6000.0));
   EXPECT_TRUE(chart.exportButton()->isVisible() && chart.rect().contains(chart.exportButton()->geometry()));
+}
+
+// A run its rules refuse says why and selects the box at fault, ready to be typed over.
+TEST_F(GuiTest, RefusedRunsSelectTheBoxAtFault) {
+  start();
+  for (auto [name, formula, box, text] : {std::tuple{"IntersectionWindow", "x^2-1", "Text1", "5"},
+                                          {"ContourWindow", "x*y", "Text6", "0"}, {"FftWindow", "sin(x)", "Text3", "0"}}) {
+    auto* w = static_cast<ToolWindow*>(open(name));
+    fill(w, {{"formula", formula}, {box, text}});
+    click(w, "Command1");
+    EXPECT_TRUE(w->focusWidget() == child<QLineEdit>(w, box) && child<QLineEdit>(w, box)->selectedText() == text) << name;
+    EXPECT_TRUE(w->statusLine()->text().startsWith("Nothing done: ")) << name;
+    auto* busy = w->findChild<QLabel*>("Label3");  // FFT's "Now Calculating" gives way
+    EXPECT_NE(busy ? busy->text() : "", "Now Calculating") << name;
+  }
 }
 
 // The Print check draws black on white; the saved image is the map as shown, at its size. The

@@ -11,10 +11,11 @@
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QProgressBar>
+#include <QStyle>
 #include <QTimer>
 #include <map>
 #include <QFileDialog>
-#include <QGraphicsOpacityEffect>
+#include <QGraphicsColorizeEffect>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLayout>
@@ -257,8 +258,8 @@ void ToolWindow::markStale(std::initializer_list<QWidget*> results, bool stale) 
     if (!stale) {
       w->setGraphicsEffect(nullptr);
     } else if (!w->graphicsEffect()) {
-      auto* grey = new QGraphicsOpacityEffect(w);
-      grey->setOpacity(0.35);
+      auto* grey = new QGraphicsColorizeEffect(w);
+      grey->setColor(Qt::gray);
       w->setGraphicsEffect(grey);
     }
   }
@@ -294,16 +295,34 @@ void ToolWindow::keyPressEvent(QKeyEvent* event) {
   QWidget::keyPressEvent(event);
 }
 
+namespace {
+
+// One line whatever the text: a text too long for it ends in "…" (its tooltip has it whole), so
+// a long reason never grows the window nor is cut off below.
+class StatusLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+
+ protected:
+  void paintEvent(QPaintEvent*) override {
+    QPainter painter(this);
+    const QRect r = contentsRect();
+    style()->drawItemText(&painter, r, Qt::AlignLeft | Qt::AlignVCenter, palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideRight, r.width()), foregroundRole());
+  }
+};
+
+}  // namespace
+
 void ToolWindow::showStatus(const QString& text) {
   if (!statusLine_) {
-    statusLine_ = new QLabel(this);
+    statusLine_ = new StatusLabel(this);
     statusLine_->setObjectName(QStringLiteral("StatusLine"));
     statusLine_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     // One line high even when empty, so the window does not jump as the text comes and goes.
     statusLine_->setMinimumHeight(statusLine_->fontMetrics().height() + 4);
     statusLine_->setMinimumWidth(0);
-    // As wide as the place it is put in: a long text wraps rather than widening the window.
-    statusLine_->setWordWrap(true);
+    // As wide as the place it is put in.
     statusLine_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     // Under the chart where there is one, as wide as it; else under everything.
     ChartWidget* chart = findChild<ChartWidget*>();
@@ -333,6 +352,7 @@ void ToolWindow::showStatus(const QString& text) {
   statusMessage_ = text;
   statusLine_->setText(text);
   statusLine_->setToolTip(text);
+  statusLine_->update();
 }
 
 void ToolWindow::explainJapanese(QLabel* label) {
@@ -366,7 +386,10 @@ void ToolWindow::showEvent(QShowEvent* event) {
     showStatus(statusMessage_);
     // The readout stands in for the window's message while the cursor is over the chart.
     connect(chart, &ChartWidget::readout, this,
-            [this](const QString& text) { statusLine_->setText(text.isEmpty() ? statusMessage_ : text); });
+            [this](const QString& text) {
+              statusLine_->setText(text.isEmpty() ? statusMessage_ : text);
+              statusLine_->update();
+            });
   }
   std::vector<QWidget*> order;
   CollectInLayoutOrder(layout(), order);

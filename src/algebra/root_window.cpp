@@ -115,7 +115,7 @@ void IntersectionWindow::showSearch(const RootResult& r) {
     }
     return;
   }
-  markStale({List1, Graph1}, false);
+  markStale({List1}, false);  // the chart clears its grey when it draws
   rootX_ = r.rootX;
   setLines(r.lines);
   if (r.unresolved.empty()) {

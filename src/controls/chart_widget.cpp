@@ -372,6 +372,7 @@ void ChartWidget::applyRanges() {
 }
 
 void ChartWidget::draw() {
+  setGraphicsEffect(nullptr);  // what it draws now is current: a window's greying ends
   QChart* c = chart();
   c->removeAllSeries();
   drawn_ = {};

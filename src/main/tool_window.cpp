@@ -237,8 +237,12 @@ void ToolWindow::finishJob(int generation) {
 }
 
 void ToolWindow::reportSilentEnd(const Engine& engine) {
-  // A run its rules end without a message still says why.
+  // A run its rules end without a message still says why; the charts it left as they were are
+  // greyed until they draw again.
   const std::string& why = engine.silentReason();
+  for (ChartWidget* chart : findChildren<ChartWidget*>()) {
+    if (chart->window() == this && !why.empty()) markStale({chart}, true);
+  }
   if (!why.empty()) {
     showStatus(tr("Nothing done: %1").arg(QString::fromStdString(why)));
     silentShown_ = true;
@@ -352,7 +356,6 @@ void ToolWindow::showStatus(const QString& text) {
   statusMessage_ = text;
   statusLine_->setText(text);
   statusLine_->setToolTip(text);
-  statusLine_->update();
 }
 
 void ToolWindow::explainJapanese(QLabel* label) {
@@ -386,10 +389,7 @@ void ToolWindow::showEvent(QShowEvent* event) {
     showStatus(statusMessage_);
     // The readout stands in for the window's message while the cursor is over the chart.
     connect(chart, &ChartWidget::readout, this,
-            [this](const QString& text) {
-              statusLine_->setText(text.isEmpty() ? statusMessage_ : text);
-              statusLine_->update();
-            });
+            [this](const QString& text) { statusLine_->setText(text.isEmpty() ? statusMessage_ : text); });
   }
   std::vector<QWidget*> order;
   CollectInLayoutOrder(layout(), order);

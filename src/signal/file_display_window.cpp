@@ -17,12 +17,19 @@ FileDisplayWindow::FileDisplayWindow(Engine& engine, AppState& state, QWidget* p
   Graph1->draw();
 }
 
-void FileDisplayWindow::retranslate() { retranslateUi(this); }
+void FileDisplayWindow::retranslate() {
+  retranslateUi(this);
+  titleAxes();
+}
 
-void FileDisplayWindow::display() {
+void FileDisplayWindow::titleAxes() {
   // Sound runs over its sample numbers; other data over the range its file gave.
   if (state_.Records.kind == WaveData) Graph1->setAxisTitles(tr("Sample"), tr("Amplitude"));
   else Graph1->setAxisTitles(QStringLiteral("x"), tr("Value"));
+}
+
+void FileDisplayWindow::display() {
+  titleAxes();
   Graph1->setPoints(1, FileDisplayPoints(state_.Records));
   Graph1->draw();
 }

@@ -17,6 +17,7 @@ class FileDisplayWindow : public ToolWindow, public Ui::FileDisplayWindow {
 
  private:
   void display();
+  void titleAxes();
 };
 
 }  // namespace merida

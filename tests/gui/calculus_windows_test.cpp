@@ -92,6 +92,7 @@ TEST_F(GuiTest, DiffModesChecksSimultPlaneDataAndClose) {
   click(w, "Command1");
   EXPECT_TRUE(w->statusLine()->text().startsWith("Nothing done: the width must step")) << w->statusLine()->text().toStdString();
   EXPECT_TRUE(w->focusWidget() == w->Text2 && w->Text2->selectedText() == "0") << "the box at fault is selected";
+  EXPECT_NE(w->Graph1->graphicsEffect(), nullptr) << "the chart of the run before is greyed";
   fill(w, {{"Text2", "0.1"}});
   click(w, "Command1");
   EXPECT_EQ(w->statusLine()->text(), "");
